@@ -1,0 +1,61 @@
+/* SPDX-License-Identifier: Apache-2.0
+ * The few declarations of Core Foundation and Core Graphics that a Metal host without Objective-C needs. Usable from C. */
+#pragma once
+
+#include <stdint.h>
+
+#if defined(__cplusplus)
+#define SOFTMETAL_CF_EXTERN extern "C" __attribute__((visibility("default")))
+#else
+#define SOFTMETAL_CF_EXTERN extern __attribute__((visibility("default")))
+#endif
+
+typedef signed long CFIndex;
+typedef unsigned char Boolean;
+typedef double CFTimeInterval;
+typedef const void* CFTypeRef;
+/* Toll-free: the same object as an NS::String, NS::Dictionary. */
+typedef const struct __CFString* CFStringRef;
+typedef const struct __CFDictionary* CFDictionaryRef;
+
+typedef double CGFloat;
+typedef struct CGPoint
+{
+    CGFloat x, y;
+} CGPoint;
+typedef struct CGSize
+{
+    CGFloat width, height;
+} CGSize;
+typedef struct CGRect
+{
+    CGPoint origin;
+    CGSize size;
+} CGRect;
+
+/* ---- notifications: delivered at once, on the thread that posts ------------------------------------------------- */
+
+typedef struct __CFNotificationCenter* CFNotificationCenterRef;
+typedef CFStringRef CFNotificationName;
+typedef CFIndex CFNotificationSuspensionBehavior;
+enum
+{
+    CFNotificationSuspensionBehaviorDrop = 1,
+    CFNotificationSuspensionBehaviorCoalesce = 2,
+    CFNotificationSuspensionBehaviorHold = 3,
+    CFNotificationSuspensionBehaviorDeliverImmediately = 4
+};
+typedef void (*CFNotificationCallback)(CFNotificationCenterRef center, void* observer, CFNotificationName name,
+                                       const void* object, CFDictionaryRef userInfo);
+
+SOFTMETAL_CF_EXTERN CFNotificationCenterRef CFNotificationCenterGetLocalCenter(void);
+/* A null name or object matches any. Observer and object are compared by address and not retained. */
+SOFTMETAL_CF_EXTERN void CFNotificationCenterAddObserver(CFNotificationCenterRef center, const void* observer,
+                                                         CFNotificationCallback callBack, CFStringRef name,
+                                                         const void* object,
+                                                         CFNotificationSuspensionBehavior suspensionBehavior);
+SOFTMETAL_CF_EXTERN void CFNotificationCenterRemoveObserver(CFNotificationCenterRef center, const void* observer,
+                                                            CFNotificationName name, const void* object);
+SOFTMETAL_CF_EXTERN void CFNotificationCenterPostNotification(CFNotificationCenterRef center, CFNotificationName name,
+                                                              const void* object, CFDictionaryRef userInfo,
+                                                              Boolean deliverImmediately);

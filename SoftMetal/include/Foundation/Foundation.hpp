@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "NSArray.hpp"
+#include "NSAutoreleasePool.hpp"
+#include "NSDictionary.hpp"
+#include "NSError.hpp"
+#include "NSLog.hpp"
+#include "NSNumber.hpp"
+#include "NSObject.hpp"
+#include "NSRange.hpp"
+#include "NSSharedPtr.hpp"
+#include "NSString.hpp"
+#include "NSTypes.hpp"
+#include "NSURL.hpp"

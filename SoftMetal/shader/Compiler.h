@@ -1,0 +1,145 @@
+// SPDX-License-Identifier: Apache-2.0
+// The door to the shader compiler. The compiler lives in a shared object of its own (libSoftMetalCompiler), opened
+// with local symbol visibility when the first library is compiled; this header is all that both sides share, and it
+// names nothing of clang or LLVM. Both sides are built from one tree by one compiler, so standard types may cross.
+#pragma once
+
+#include "shader/abi.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace softmetal::shader {
+
+enum class Stage : uint8_t { Vertex, Fragment };
+enum class ScalarType : uint8_t { Float, Half, Int, UInt, Short, UShort, Char, UChar, Bool };
+enum class Interpolation : uint8_t { Perspective, NoPerspective, Flat };
+
+/// A vertex attribute as the function declares it.
+struct AttributeReflection
+{
+    std::string name;
+    uint32_t index;      // [[attribute(n)]]
+    uint32_t components; // 1 to 4
+    ScalarType type;
+    bool active; // false when its function constant switched it off
+};
+
+/// A value that goes from the vertex to the fragment stage. Stages are matched by [[user(name)]], else by member name.
+struct VaryingReflection
+{
+    std::string name;
+    uint32_t components;
+    ScalarType type;
+    Interpolation interpolation;
+    uint32_t firstComponent; // vertex: index into VertexOutput::component; fragment: index into FragmentInput::planes
+};
+
+enum class BindingKind : uint8_t { Buffer, Texture, Sampler };
+
+struct BindingReflection
+{
+    BindingKind kind;
+    std::string name;
+    uint32_t index;
+    uint32_t count;       // array length, 1 for a single resource
+    uint32_t textureType; // MTL::TextureType, textures only
+    uint64_t minimumSize; // buffers: size of the pointed-to type in bytes
+    bool depth;           // textures: declared as a depth texture
+    bool used;            // still referenced after optimisation with the given constants
+};
+
+struct ConstantReflection
+{
+    std::string name;
+    uint32_t index;
+    uint32_t dataType; // MTL::DataType
+    bool required;     // no default: the function cannot be used without a value unless the constant is unused
+};
+
+struct FunctionReflection
+{
+    std::string name;
+    Stage stage = Stage::Vertex;
+    std::vector<AttributeReflection> attributes;
+    std::vector<VaryingReflection> varyings; // vertex: outputs besides position; fragment: inputs
+    std::vector<BindingReflection> bindings;
+    std::vector<ConstantReflection> constants;
+    bool hasPosition = false;
+    int32_t pointSizeComponent = -1; // vertex: index into VertexOutput::component
+    uint32_t colorOutputs = 0;       // bit n: [[color(n)]] is written
+    ScalarType colorTypes[abi::MaxColorOutputs] = {};
+    uint32_t colorComponents[abi::MaxColorOutputs] = {};
+    bool writesDepth = false;
+    bool discards = false;
+    bool usesPointCoord = false;
+    bool earlyFragmentTests = false;
+    uint32_t inputComponents = 0; // fragment: length of FragmentInput::planes; vertex: number of output components
+};
+
+/// Value of one function constant, from MTL::FunctionConstantValues.
+struct ConstantValue
+{
+    uint32_t index;
+    std::string name;  // set instead of the index when the value was given by name
+    uint32_t dataType; // MTL::DataType
+    uint8_t bytes[16];
+};
+
+/// Times of one compilation in milliseconds, for the benchmarks.
+struct CompileTimes
+{
+    double parse = 0, specialise = 0, optimise = 0, widen = 0, generate = 0;
+};
+
+/// An entry function with its constants fixed. Thread-safe; kept alive by whoever holds it.
+class Function
+{
+public:
+    virtual ~Function() = default;
+    virtual const FunctionReflection& reflection() const = 0;
+    /// Machine code for the process's lane count, made on the first call. Null with a message in error on failure.
+    virtual abi::VertexFunction vertexCode(std::string& error) = 0;
+    virtual abi::FragmentFunction fragmentCode(std::string& error) = 0;
+    virtual CompileTimes times() const = 0;
+};
+
+/// One compiled source text.
+class Library
+{
+public:
+    virtual ~Library() = default;
+    virtual std::vector<std::string> functionNames() const = 0;
+    /// Reflection before specialisation, null for an unknown name.
+    virtual const FunctionReflection* describe(std::string_view name) const = 0;
+    /// Null with a message in error: unknown name, or a needed constant without a value.
+    virtual std::shared_ptr<Function> specialise(std::string_view name, const std::vector<ConstantValue>& values,
+                                                 std::string& error) = 0;
+    virtual CompileTimes times() const = 0;
+};
+
+struct CompileOptions
+{
+    std::vector<std::pair<std::string, std::string>> macros;
+    bool fastMath = false; // accepted; arithmetic is always exact, so that a frame has the same bits everywhere
+};
+
+/// The compiler itself: one per process, thread-safe.
+class Compiler
+{
+public:
+    virtual ~Compiler() = default;
+    /// Null on error. messages holds clang's diagnostics (errors and warnings), one per line, as
+    /// "program_source:line:column: error: …".
+    virtual std::shared_ptr<Library> compile(std::string_view source, const CompileOptions& options,
+                                             std::string& messages) = 0;
+    virtual uint32_t lanes() const = 0; // 4, 8 or 16
+};
+
+/// The only symbol that libSoftMetalCompiler exports: "softmetal_open_compiler". Null when the version differs.
+using OpenCompiler = Compiler* (*)(const abi::RuntimeTable* runtime, uint32_t lanes);
+
+} // namespace softmetal::shader

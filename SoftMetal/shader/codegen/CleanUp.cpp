@@ -1,0 +1,135 @@
+// SPDX-License-Identifier: Apache-2.0
+// The passes that pay: enough to be left with scalars and what is really used, before and after widening.
+#include "shader/codegen/Passes.h"
+
+#include "shader/Intrinsics.h"
+#include "shader/codegen/Codegen.h"
+
+#include <llvm/Passes/PassBuilder.h>
+#include <llvm/Transforms/IPO/AlwaysInliner.h>
+#include <llvm/Transforms/IPO/GlobalDCE.h>
+#include <llvm/Transforms/IPO/Internalize.h>
+#include <llvm/Transforms/InstCombine/InstCombine.h>
+#include <llvm/Transforms/Scalar/ADCE.h>
+#include <llvm/Transforms/Scalar/DCE.h>
+#include <llvm/Transforms/Scalar/EarlyCSE.h>
+#include <llvm/Transforms/Scalar/GVN.h>
+#include <llvm/Transforms/Scalar/IndVarSimplify.h>
+#include <llvm/Transforms/Scalar/LoopPassManager.h>
+#include <llvm/Transforms/Scalar/LoopRotation.h>
+#include <llvm/Transforms/Scalar/LoopUnrollPass.h>
+#include <llvm/Transforms/Scalar/SROA.h>
+#include <llvm/Transforms/Scalar/Scalarizer.h>
+#include <llvm/Transforms/Scalar/SimplifyCFG.h>
+#include <llvm/Transforms/Utils/FixIrreducible.h>
+#include <llvm/Transforms/Utils/LCSSA.h>
+#include <llvm/Transforms/Utils/LoopSimplify.h>
+#include <llvm/Transforms/Utils/LowerSwitch.h>
+#include <llvm/Transforms/Utils/UnifyFunctionExitNodes.h>
+
+namespace softmetal::shader {
+namespace {
+
+using namespace llvm;
+
+/// The analyses of one run, wired together.
+struct Analyses
+{
+    LoopAnalysisManager loops;
+    FunctionAnalysisManager functions;
+    CGSCCAnalysisManager components;
+    ModuleAnalysisManager modules;
+    PassBuilder builder;
+
+    Analyses()
+    {
+        builder.registerModuleAnalyses(modules);
+        builder.registerCGSCCAnalyses(components);
+        builder.registerFunctionAnalyses(functions);
+        builder.registerLoopAnalyses(loops);
+        builder.crossRegisterProxies(loops, functions, components, modules);
+    }
+};
+
+SimplifyCFGOptions flattening()
+{
+    return SimplifyCFGOptions().convertSwitchRangeToICmp(true).hoistCommonInsts(false).sinkCommonInsts(false);
+}
+
+FunctionPassManager scalarPasses()
+{
+    FunctionPassManager passes;
+    passes.addPass(SROAPass(SROAOptions::ModifyCFG));
+    passes.addPass(EarlyCSEPass(true));
+    passes.addPass(InstCombinePass());
+    passes.addPass(SimplifyCFGPass(flattening()));
+    LoopPassManager loops;
+    loops.addPass(LoopRotatePass());
+    loops.addPass(IndVarSimplifyPass());
+    loops.addPass(LoopFullUnrollPass(2, true));
+    passes.addPass(createFunctionToLoopPassAdaptor(std::move(loops)));
+    passes.addPass(SROAPass(SROAOptions::ModifyCFG));
+    passes.addPass(ScalarizerPass());
+    passes.addPass(GVNPass());
+    passes.addPass(InstCombinePass());
+    passes.addPass(ADCEPass());
+    passes.addPass(SimplifyCFGPass(flattening()));
+    passes.addPass(DCEPass());
+    return passes;
+}
+
+/// The form that widening expects: one return, two-way branches, simple loops whose results leave through phis.
+FunctionPassManager shapePasses()
+{
+    FunctionPassManager passes;
+    passes.addPass(LowerSwitchPass());
+    passes.addPass(FixIrreduciblePass());
+    passes.addPass(UnifyFunctionExitNodesPass());
+    passes.addPass(LoopSimplifyPass());
+    passes.addPass(LCSSAPass());
+    return passes;
+}
+
+void inlineEverything(Module& module)
+{
+    // The marks of entry functions have been read; as references they would keep the functions alive.
+    if (GlobalVariable* annotations = module.getNamedGlobal("llvm.global.annotations")) annotations->eraseFromParent();
+    for (llvm::Function& function : module) {
+        if (function.isDeclaration()) continue;
+        function.removeFnAttr(Attribute::NoInline);
+        function.removeFnAttr(Attribute::OptimizeNone);
+        if (function.getName() == StringRef(intrinsic::Entry.data(), intrinsic::Entry.size())) continue;
+        function.addFnAttr(Attribute::AlwaysInline);
+        function.setLinkage(GlobalValue::InternalLinkage);
+    }
+}
+
+} // namespace
+
+void cleanUp(Module& module)
+{
+    inlineEverything(module);
+    Analyses analyses;
+    ModulePassManager passes;
+    passes.addPass(AlwaysInlinerPass(false));
+    passes.addPass(GlobalDCEPass());
+    passes.addPass(createModuleToFunctionPassAdaptor(scalarPasses()));
+    passes.addPass(createModuleToFunctionPassAdaptor(shapePasses()));
+    passes.addPass(GlobalDCEPass());
+    passes.run(module, analyses.modules);
+}
+
+void cleanUpWide(llvm::Function& function)
+{
+    Analyses analyses;
+    FunctionPassManager passes;
+    passes.addPass(SROAPass(SROAOptions::ModifyCFG));
+    passes.addPass(EarlyCSEPass(true));
+    passes.addPass(InstCombinePass());
+    passes.addPass(SimplifyCFGPass(flattening()));
+    passes.addPass(EarlyCSEPass(true));
+    passes.addPass(ADCEPass());
+    passes.run(function, analyses.functions);
+}
+
+} // namespace softmetal::shader

@@ -1,0 +1,193 @@
+// SPDX-License-Identifier: Apache-2.0
+// clang in process: sources and the precompiled standard header live in memory, and no file of the machine can be reached.
+#include "shader/frontend/Attributes.h"
+#include "shader/frontend/ClangHeaders.h"
+#include "shader/frontend/Program.h"
+#include "shader/frontend/Reflect.h"
+#include "shader/stdlib/StandardHeader.h"
+
+#include <array>
+#include <mutex>
+
+namespace softmetal::shader {
+namespace {
+
+constexpr const char* SourceName = "program_source";
+constexpr const char* HeaderName = "/softmetal/standard.h";
+constexpr const char* PrecompiledName = "/softmetal/standard.pch";
+
+/// Headers that a program may name; their content is in the precompiled header already.
+constexpr std::array IncludeNames = {
+    "metal_stdlib",  "simd/simd.h",    "metal_math",     "metal_matrix",   "metal_geometric", "metal_common", "metal_texture",
+    "metal_graphics", "metal_integer", "metal_relational", "metal_types", "metal_pack",      "metal_array",
+};
+
+constexpr std::array CommonArguments = {
+    "-triple", "spir64-unknown-unknown", "-std=gnu++17", "-x", "c++", "-fdeclspec", "-ffp-contract=off",
+    "-cl-single-precision-constant", "-disable-llvm-passes", "-O2", "-disable-lifetime-markers", "-relaxed-aliasing",
+    "-discard-value-names", "-nostdsysteminc", "-nobuiltininc", "-fbracket-depth", "1024", "-ferror-limit", "20",
+    "-Werror=unknown-attributes", "-Wno-unused-value", "-internal-isystem", "/softmetal/include",
+};
+
+using FileSystem = llvm::IntrusiveRefCntPtr<llvm::vfs::InMemoryFileSystem>;
+
+void addFile(FileSystem& files, llvm::StringRef path, llvm::StringRef text)
+{
+    files->addFile(path, 0, llvm::MemoryBuffer::getMemBuffer(text, path, false));
+}
+
+struct Session
+{
+    std::string messages;
+    std::unique_ptr<clang::CompilerInstance> instance;
+};
+
+/// A compiler instance on the files given, writing its diagnostics into the session's messages.
+void prepare(Session& session, FileSystem files, std::vector<const char*> arguments, llvm::raw_ostream& stream)
+{
+    session.instance = std::make_unique<clang::CompilerInstance>();
+    clang::CompilerInstance& instance = *session.instance;
+    auto options = llvm::makeIntrusiveRefCnt<clang::DiagnosticOptions>();
+    options->ShowCarets = false;
+    auto* printer = new clang::TextDiagnosticPrinter(stream, options.get());
+    llvm::IntrusiveRefCntPtr<clang::DiagnosticsEngine> diagnostics(
+        new clang::DiagnosticsEngine(llvm::makeIntrusiveRefCnt<clang::DiagnosticIDs>(), options, printer));
+    auto invocation = std::make_shared<clang::CompilerInvocation>();
+    clang::CompilerInvocation::CreateFromArgs(*invocation, arguments, *diagnostics);
+    invocation->getFrontendOpts().DisableFree = false;
+    instance.setInvocation(invocation);
+    instance.setDiagnostics(diagnostics.get());
+    instance.createFileManager(files);
+    instance.createSourceManager(instance.getFileManager());
+}
+
+class PrecompileAction final : public clang::ASTFrontendAction
+{
+public:
+    explicit PrecompileAction(std::shared_ptr<clang::PCHBuffer> buffer) : buffer_(std::move(buffer)) {}
+
+protected:
+    std::unique_ptr<clang::ASTConsumer> CreateASTConsumer(clang::CompilerInstance& instance, llvm::StringRef) override
+    {
+        auto extensions = instance.getFrontendOpts().ModuleFileExtensions;
+        return std::make_unique<clang::PCHGenerator>(instance.getPreprocessor(), instance.getModuleCache(), PrecompiledName, "", buffer_,
+                                                     extensions, false, false);
+    }
+    clang::TranslationUnitKind getTranslationUnitKind() override { return clang::TU_Prefix; }
+    bool hasASTFileSupport() const override { return false; }
+
+private:
+    std::shared_ptr<clang::PCHBuffer> buffer_;
+};
+
+/// The standard header, parsed once for the process.
+struct StandardLibrary
+{
+    std::string text = standardHeader();
+    std::string precompiled;
+    std::string messages;
+
+    StandardLibrary()
+    {
+        registerAttributes();
+        FileSystem files(new llvm::vfs::InMemoryFileSystem);
+        addFile(files, HeaderName, text);
+        std::vector<const char*> arguments(CommonArguments.begin(), CommonArguments.end());
+        arguments.insert(arguments.end(), {"-emit-pch", HeaderName});
+        llvm::raw_string_ostream stream(messages);
+        Session session;
+        prepare(session, files, arguments, stream);
+        auto buffer = std::make_shared<clang::PCHBuffer>();
+        PrecompileAction action(buffer);
+        session.instance->ExecuteAction(action);
+        precompiled.assign(buffer->Data.begin(), buffer->Data.end());
+    }
+};
+
+const StandardLibrary& standardLibrary()
+{
+    static const StandardLibrary library;
+    return library;
+}
+
+class Describe final : public clang::ASTConsumer
+{
+public:
+    Describe(const AttributeTable& attributes, Program& program) : attributes_(attributes), program_(program) {}
+    void HandleTranslationUnit(clang::ASTContext& context) override
+    {
+        if (!context.getDiagnostics().hasErrorOccurred()) describeProgram(context, attributes_, program_);
+    }
+
+private:
+    const AttributeTable& attributes_;
+    Program& program_;
+};
+
+class CompileAction final : public clang::EmitLLVMOnlyAction
+{
+public:
+    CompileAction(llvm::LLVMContext* context, const AttributeTable& attributes, Program& program)
+        : EmitLLVMOnlyAction(context), attributes_(attributes), program_(program)
+    {
+    }
+
+protected:
+    std::unique_ptr<clang::ASTConsumer> CreateASTConsumer(clang::CompilerInstance& instance, llvm::StringRef file) override
+    {
+        std::vector<std::unique_ptr<clang::ASTConsumer>> consumers;
+        consumers.push_back(std::make_unique<Describe>(attributes_, program_));
+        consumers.push_back(EmitLLVMOnlyAction::CreateASTConsumer(instance, file));
+        return std::make_unique<clang::MultiplexConsumer>(std::move(consumers));
+    }
+
+private:
+    const AttributeTable& attributes_;
+    Program& program_;
+};
+
+FileSystem programFiles(const std::string& source)
+{
+    FileSystem files(new llvm::vfs::InMemoryFileSystem);
+    const StandardLibrary& standard = standardLibrary();
+    addFile(files, HeaderName, standard.text);
+    addFile(files, PrecompiledName, standard.precompiled);
+    addFile(files, SourceName, source);
+    for (const char* name : IncludeNames) addFile(files, std::string("/softmetal/include/") + name, "");
+    return files;
+}
+
+} // namespace
+
+std::unique_ptr<Program> parse(std::string_view source, const CompileOptions& options, std::string& messages)
+{
+    const StandardLibrary& standard = standardLibrary();
+    if (standard.precompiled.empty()) {
+        messages = "the standard library does not compile: " + standard.messages;
+        return nullptr;
+    }
+    std::string text(source);
+    std::vector<std::string> macros;
+    for (const auto& [name, value] : options.macros) macros.push_back("-D" + name + "=" + value);
+    std::vector<const char*> arguments(CommonArguments.begin(), CommonArguments.end());
+    arguments.insert(arguments.end(), {"-include-pch", PrecompiledName, "-fno-validate-pch", "-emit-llvm-only"});
+    for (const std::string& macro : macros) arguments.push_back(macro.c_str());
+    arguments.push_back(SourceName);
+
+    auto program = std::make_unique<Program>();
+    program->context = std::make_unique<llvm::LLVMContext>();
+    AttributeTable attributes;
+    llvm::raw_string_ostream stream(messages);
+    Session session;
+    prepare(session, programFiles(text), arguments, stream);
+    CompileAction action(program->context.get(), attributes, *program);
+    collectAttributes(&attributes);
+    bool done = session.instance->ExecuteAction(action);
+    collectAttributes(nullptr);
+    stream.flush();
+    program->module = action.takeModule();
+    bool failed = !done || session.instance->getDiagnostics().hasErrorOccurred() || !program->module;
+    return failed ? nullptr : std::move(program);
+}
+
+} // namespace softmetal::shader

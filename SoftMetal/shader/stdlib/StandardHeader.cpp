@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "shader/stdlib/StandardHeader.h"
+
+namespace softmetal::shader {
+namespace {
+
+constexpr const char* Core =
+#include "shader/stdlib/Core.inc"
+    ;
+constexpr const char* Math =
+#include "shader/stdlib/Math.inc"
+    ;
+constexpr const char* Textures =
+#include "shader/stdlib/Textures.inc"
+    ;
+
+} // namespace
+
+std::string standardHeader() { return Core + vectorText() + matrixText() + std::string(Math) + functionText() + Textures; }
+
+} // namespace softmetal::shader

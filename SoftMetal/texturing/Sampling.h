@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "shader/abi.h"
+
+namespace softmetal::texturing {
+
+/// Fills in what sampling needs to know of a texture's type and format. Called once its other fields are set.
+void prepareTexture(abi::Texture& texture);
+
+/// What generated code calls; loopLimitReached is left for the caller to fill.
+abi::RuntimeTable runtimeTable();
+
+} // namespace softmetal::texturing

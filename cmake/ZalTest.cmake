@@ -1,0 +1,16 @@
+# SPDX-License-Identifier: Apache-2.0
+# zal_add_test(name SOURCES … LIBRARIES … [ENVIRONMENT A=B …]): one GoogleTest executable, its cases discovered for ctest.
+
+function(zal_add_test name)
+    cmake_parse_arguments(TEST "" "TIMEOUT" "SOURCES;LIBRARIES;ENVIRONMENT" ${ARGN})
+    find_package(GTest REQUIRED)
+    include(GoogleTest)
+    if(NOT TEST_TIMEOUT)
+        set(TEST_TIMEOUT 300)
+    endif()
+    add_executable(${name} ${TEST_SOURCES})
+    target_link_libraries(${name} PRIVATE zal_options ${TEST_LIBRARIES} GTest::gtest_main)
+    target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/Tests")
+    gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST
+        PROPERTIES TIMEOUT ${TEST_TIMEOUT} ENVIRONMENT "${TEST_ENVIRONMENT}")
+endfunction()
