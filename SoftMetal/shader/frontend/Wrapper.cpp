@@ -47,7 +47,12 @@ private:
     {
         std::vector<llvm::Type*> types;
         for (llvm::Value* a : arguments) types.push_back(a->getType());
-        return b_.CreateCall(module_.getOrInsertFunction(name(callee), llvm::FunctionType::get(result, types, false)), arguments);
+        llvm::FunctionCallee function = module_.getOrInsertFunction(name(callee), llvm::FunctionType::get(result, types, false));
+        auto* declaration = llvm::cast<llvm::Function>(function.getCallee());
+        declaration->addFnAttr(llvm::Attribute::NoUnwind);
+        declaration->addFnAttr(llvm::Attribute::WillReturn);
+        if (!result->isVoidTy()) declaration->setDoesNotAccessMemory(); // an input that nobody needs goes away
+        return b_.CreateCall(function, arguments);
     }
 
     llvm::Value* constant(uint64_t value) { return llvm::ConstantInt::get(int_, value); }

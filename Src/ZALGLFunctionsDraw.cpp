@@ -1,0 +1,403 @@
+// SPDX-License-Identifier: Apache-2.0
+// The draw path: raster state, textures and samplers, pipeline, matrices and locals; then the entry points.
+// Chapters: vertex arrays, clearing.
+#include "ZALGLFunctionsDraw.h"
+
+#include "SamplerDescriptor.h"
+#include "ZALGLContextObjects.h"
+#include "ZALMetalContext.h"
+#include "ZALMetalState.h"
+
+#include <algorithm>
+#include <cfloat>
+#include <cmath>
+#include <cstring>
+
+#include <simd/simd.h>
+
+namespace {
+
+using ZALMetal::FragmentProgramSpecializationKey;
+using ZALMetal::SamplerDescriptor;
+using ZALMetal::ShaderBindings;
+
+constexpr const char* Source = "Src/ZALGLFunctionsDraw";
+constexpr int TextureUnits = 32, SamplerSlots = 16;
+constexpr NS::UInteger StateMatrixSlot = 16, LocalsSlot = 17;
+
+using SamplerMap = ZALM::Map<SamplerDescriptor, int>;
+
+// ---- textures and samplers -------------------------------------------------------------------------------------------------
+
+struct MinFilterRow
+{
+    uint32_t gl;
+    uint64_t minFilter, mipFilter;
+};
+
+constexpr MinFilterRow MinFilters[] = {
+    {GL_NEAREST_MIPMAP_NEAREST, MTL::SamplerMinMagFilterNearest, MTL::SamplerMipFilterNearest},
+    {GL_LINEAR_MIPMAP_NEAREST, MTL::SamplerMinMagFilterLinear, MTL::SamplerMipFilterNearest},
+    {GL_NEAREST_MIPMAP_LINEAR, MTL::SamplerMinMagFilterNearest, MTL::SamplerMipFilterLinear},
+    {GL_LINEAR_MIPMAP_LINEAR, MTL::SamplerMinMagFilterLinear, MTL::SamplerMipFilterLinear},
+    {GL_NEAREST, MTL::SamplerMinMagFilterNearest, MTL::SamplerMipFilterNotMipmapped},
+    {GL_LINEAR, MTL::SamplerMinMagFilterLinear, MTL::SamplerMipFilterNotMipmapped},
+};
+
+void convertMinFilter(ZALGLState* gl, const ZALGLTextureObject& texture, SamplerDescriptor& d)
+{
+    d.lodMaxClamp = FLT_MAX;
+    d.lodMinClamp = static_cast<float>(texture.baseLevel);
+    for (const MinFilterRow& row : MinFilters) {
+        if (row.gl != texture.minFilter) continue;
+        d.minFilter = row.minFilter;
+        d.mipFilter = row.mipFilter;
+        bool plain = row.gl == GL_NEAREST || row.gl == GL_LINEAR;
+        if (plain && texture.baseLevel > 0) { // exactly that level
+            d.mipFilter = MTL::SamplerMipFilterNearest;
+            d.lodMaxClamp = d.lodMinClamp;
+        }
+        return;
+    }
+    SetCurrentError(gl, GL_INVALID_VALUE);
+}
+
+uint64_t convertWrap(ZALGLState* gl, GLenum mode)
+{
+    switch (mode) {
+    case GL_CLAMP:
+    case GL_CLAMP_TO_EDGE: return MTL::SamplerAddressModeClampToEdge;
+    case GL_REPEAT: return MTL::SamplerAddressModeRepeat;
+    case GL_CLAMP_TO_BORDER: return MTL::SamplerAddressModeClampToBorderColor;
+    case GL_MIRRORED_REPEAT: return MTL::SamplerAddressModeMirrorRepeat;
+    default: SetCurrentError(gl, GL_INVALID_VALUE); return MTL::SamplerAddressModeClampToEdge;
+    }
+}
+
+SamplerDescriptor describeSampler(ZALGLState* gl, const ZALGLTextureObject& texture, MTL::Texture* metal, uint32_t target)
+{
+    SamplerDescriptor d;
+    d.normalizedCoordinates = target != GL_TEXTURE_RECTANGLE_ARB;
+    if (texture.magFilter == GL_LINEAR) d.magFilter = MTL::SamplerMinMagFilterLinear;
+    else if (texture.magFilter != GL_NEAREST) SetCurrentError(gl, GL_INVALID_VALUE);
+    convertMinFilter(gl, texture, d);
+    if (texture.type == GL_TEXTURE_RECTANGLE_ARB || (metal && metal->mipmapLevelCount() == 1)) d.mipFilter = MTL::SamplerMipFilterNotMipmapped;
+    d.rAddressMode = convertWrap(gl, texture.wrapR);
+    d.sAddressMode = convertWrap(gl, texture.wrapS);
+    d.tAddressMode = convertWrap(gl, texture.wrapT);
+    d.borderColor = texture.borderColorClass;
+    d.maxAnisotropy = static_cast<uint64_t>(std::clamp(std::round(texture.maxAnisotropy), 1.0f, 16.0f));
+    return d;
+}
+
+MTL::SamplerState* makeSampler(MTL::Device* device, const SamplerDescriptor& d)
+{
+    MTL::SamplerDescriptor* descriptor = MTL::SamplerDescriptor::alloc()->init();
+    descriptor->setNormalizedCoordinates(d.normalizedCoordinates != 0);
+    descriptor->setMagFilter(static_cast<MTL::SamplerMinMagFilter>(d.magFilter));
+    descriptor->setMinFilter(static_cast<MTL::SamplerMinMagFilter>(d.minFilter));
+    descriptor->setMipFilter(static_cast<MTL::SamplerMipFilter>(d.mipFilter));
+    descriptor->setRAddressMode(static_cast<MTL::SamplerAddressMode>(d.rAddressMode));
+    descriptor->setSAddressMode(static_cast<MTL::SamplerAddressMode>(d.sAddressMode));
+    descriptor->setTAddressMode(static_cast<MTL::SamplerAddressMode>(d.tAddressMode));
+    descriptor->setBorderColor(static_cast<MTL::SamplerBorderColor>(d.borderColor));
+    descriptor->setLodMinClamp(d.lodMinClamp);
+    descriptor->setLodMaxClamp(d.lodMaxClamp);
+    descriptor->setMaxAnisotropy(d.maxAnisotropy);
+    MTL::SamplerState* state = device->newSamplerState(descriptor);
+    descriptor->release();
+    return state;
+}
+
+bool isDepthFormat(MTL::PixelFormat format)
+{
+    return format == MTL::PixelFormatDepth16Unorm || format == MTL::PixelFormatDepth32Float || format == MTL::PixelFormatDepth24Unorm_Stencil8 ||
+           format == MTL::PixelFormatDepth32Float_Stencil8;
+}
+
+/// Textures and sampler states of one stage. Samplers are shared by equal description, over both stages.
+template <class Key>
+int prepareTexturesAndSamplers(ZALGLState* gl, MTL::Device* device, const ShaderBindings& bindings, SamplerMap& slots, int& samplerCount,
+                               MTL::Texture** textures, MTL::SamplerState** samplers, Key& key)
+{
+    for (int i = 0; i < TextureUnits; ++i) {
+        if (!(bindings.textureUnitMask >> i & 1) || bindings.textureTargets[i] == 0) continue;
+        uint32_t slot = convertBindTextureTargetToBindingSlotIndex(bindings.textureTargets[i]);
+        if (slot > 4) {
+            SetCurrentError(gl, GL_INVALID_OPERATION);
+            return 1;
+        }
+        ZALGLTextureObject* texture = gl->contextObjects->textures.Find(gl->textureBindings[i][slot]);
+        if (!texture) continue;
+        MTL::Texture* metal = texture->EnsureMetalTexture();
+        SamplerDescriptor description = describeSampler(gl, *texture, metal, bindings.textureTargets[i]);
+        if (auto* known = slots.find(description)) {
+            key.samplerSlots[i] = known->value;
+        } else {
+            if (samplerCount >= SamplerSlots) {
+                SetCurrentError(gl, GL_INVALID_OPERATION);
+                return 1;
+            }
+            bool inserted = false;
+            key.samplerSlots[i] = samplerCount;
+            slots.insert(inserted, description, samplerCount);
+            samplers[samplerCount++] = makeSampler(device, description);
+        }
+        textures[i] = metal;
+        key.swizzleModes[i] = metal && isDepthFormat(metal->pixelFormat());
+    }
+    return 0;
+}
+
+void releaseSamplers(MTL::SamplerState** samplers)
+{
+    for (int i = 0; i < SamplerSlots; ++i)
+        if (samplers[i]) samplers[i]->release();
+}
+
+template <class Key>
+int installFragmentTextures(ZALGLState* gl, MTL::RenderCommandEncoder* encoder, const ShaderBindings& bindings, SamplerMap& slots, int& count, Key& key)
+{
+    MTL::Texture* textures[TextureUnits] = {};
+    MTL::SamplerState* samplers[SamplerSlots] = {};
+    int status = prepareTexturesAndSamplers(gl, GetCurrentMetalData()->device, bindings, slots, count, textures, samplers, key);
+    if (status == 0) {
+        encoder->setFragmentTextures(textures, NS::Range(0, TextureUnits));
+        encoder->setFragmentSamplerStates(samplers, NS::Range(0, SamplerSlots));
+    }
+    releaseSamplers(samplers);
+    return status;
+}
+
+template <class Key>
+int installVertexTextures(ZALGLState* gl, MTL::RenderCommandEncoder* encoder, const ShaderBindings& bindings, SamplerMap& slots, int& count, Key& key)
+{
+    MTL::Texture* textures[TextureUnits] = {};
+    MTL::SamplerState* samplers[SamplerSlots] = {};
+    int status = prepareTexturesAndSamplers(gl, GetCurrentMetalData()->device, bindings, slots, count, textures, samplers, key);
+    if (status == 0) {
+        encoder->setVertexTextures(textures, NS::Range(0, TextureUnits));
+        encoder->setVertexSamplerStates(samplers, NS::Range(0, SamplerSlots));
+    }
+    releaseSamplers(samplers);
+    return status;
+}
+
+// ---- raster state ------------------------------------------------------------------------------------------------------------
+
+void installRasterState(ZALGLState* gl, MTL::RenderCommandEncoder* encoder)
+{
+    encoder->setStencilReferenceValue(static_cast<uint32_t>(gl->stencilRef));
+    MTL::CullMode cull = gl->cullFaceMode == GL_FRONT ? MTL::CullModeFront : MTL::CullModeBack;
+    encoder->setCullMode(gl->cullFaceEnabled ? cull : MTL::CullModeNone);
+    if (gl->polygonOffsetFillEnabled) encoder->setDepthBias(gl->polygonOffsetUnits, gl->polygonOffsetFactor, 0);
+    if (gl->polygonMode == GL_FILL) encoder->setTriangleFillMode(MTL::TriangleFillModeFill);
+    else if (gl->polygonMode == GL_LINE) encoder->setTriangleFillMode(MTL::TriangleFillModeLines);
+    if (gl->pipelineDescription.blendingEnabled) encoder->setBlendColor(gl->blendColor[0], gl->blendColor[1], gl->blendColor[2], gl->blendColor[3]);
+}
+
+// ---- pipeline ----------------------------------------------------------------------------------------------------------------
+
+int installPipeline(ZALGLState* gl, MTL::RenderCommandEncoder* encoder, ZALMetal::RenderPipelineCache::Key& key)
+{
+    ZALMetalContext* context = GetCurrentMetalContext();
+    MTL::Texture *depth = getFramebufferDepthTexture(gl, context), *stencil = getFramebufferStencilTexture(gl, context);
+    for (uint32_t i = 0; i < 8 && gl->pipelineDescription.drawBufferMask >> i != 0; ++i) {
+        if (!(gl->pipelineDescription.drawBufferMask >> i & 1)) continue;
+        if (MTL::Texture* color = getFramebufferColorTexture(gl, context, static_cast<int>(i))) key.colorPixelFormats[i] = color->pixelFormat();
+    }
+    if (depth && gl->depthTestEnabled) key.depthPixelFormat = depth->pixelFormat();
+    if (stencil && gl->stencilTestEnabled) key.stencilPixelFormat = stencil->pixelFormat();
+    key.glPipelineDesc = gl->pipelineDescription;
+    ZALGLFramebufferObject* framebuffer = gl->contextObjects->framebuffers.Find(gl->pipelineDescription.boundFramebuffer);
+    if (!framebuffer) {
+        SetCurrentError(gl, GL_INVALID_OPERATION);
+        return 1;
+    }
+    MTL::RenderPipelineState* state = framebuffer->GetRenderPipelineCache().getOrCreate(context->metalData->device, gl->contextObjects->programs, key);
+    if (!state) {
+        if (gl->strictValidation) SetCurrentError(gl, GL_INVALID_OPERATION);
+        return 1;
+    }
+    encoder->setRenderPipelineState(state);
+    return 0;
+}
+
+// ---- matrices ----------------------------------------------------------------------------------------------------------------
+
+/// Layout of the matrix block in generated source: modelview, projection, mvp, four texture matrices; then the inverses,
+/// the transposes, and the transposed inverses of the same.
+struct StateMatrixData
+{
+    simd_float4x4 plain[7], inverse[7], transpose[7], inverseTranspose[7];
+};
+static_assert(sizeof(StateMatrixData) == 1792);
+
+simd_float4x4 topOf(const ZALGLState::MatrixStack& stack)
+{
+    simd_float4x4 result;
+    std::memcpy(&result, stack.entries[stack.depth], sizeof result);
+    return result;
+}
+
+/// From GL's clip space to Metal's: depth from 0 to 1, and y turned where the viewport does not do it.
+simd_float4x4 clipCorrection(const ZALGLState& gl)
+{
+    float y = gl.isIntelDevice ? -1.0f : 1.0f;
+    return simd_matrix(simd_float4{1, 0, 0, 0}, simd_float4{0, y, 0, 0}, simd_float4{0, 0, 0.5f, 0}, simd_float4{0, 0, 0.5f, 1});
+}
+
+void fillMatrices(const ZALGLState& gl, StateMatrixData& m)
+{
+    simd_float4x4 correction = clipCorrection(gl);
+    m.plain[0] = topOf(gl.matrixStacks[0]);
+    m.plain[1] = simd_mul(correction, topOf(gl.matrixStacks[1]));
+    m.plain[2] = simd_mul(m.plain[1], m.plain[0]);
+    for (int i = 0; i < 4; ++i) m.plain[3 + i] = topOf(gl.matrixStacks[2 + i]);
+    // Kept on purpose: [texture-matrix-2] the texture matrix of unit 2, and only that one, is multiplied by the correction.
+    m.plain[5] = simd_mul(correction, m.plain[5]);
+    for (int i : {0, 1, 3, 4, 5, 6}) m.inverse[i] = simd_inverse(m.plain[i]);
+    m.inverse[2] = simd_mul(m.inverse[0], m.inverse[1]);
+    for (int i = 0; i < 7; ++i) {
+        m.transpose[i] = simd_transpose(m.plain[i]);
+        m.inverseTranspose[i] = simd_transpose(m.inverse[i]);
+    }
+}
+
+void installConstants(ZALGLState* gl, MTL::RenderCommandEncoder* encoder, const ZALGLProgramObject& vertex, const ZALGLProgramObject& fragment)
+{
+    StateMatrixData matrices;
+    fillMatrices(*gl, matrices);
+    encoder->setVertexBytes(&matrices, sizeof matrices, StateMatrixSlot);
+    encoder->setFragmentBytes(&matrices, sizeof matrices, StateMatrixSlot);
+    encoder->setVertexBytes(vertex.locals, sizeof vertex.locals, LocalsSlot);
+    encoder->setFragmentBytes(fragment.locals, sizeof fragment.locals, LocalsSlot);
+}
+
+} // namespace
+
+int internal_InstallMetalState(MTL::RenderCommandEncoder* encoder, MTL::VertexDescriptor* vertexDescriptor,
+                               ZALMetal::VertexProgramSpecializationKey& vertexKey)
+{
+    ZALGLState* gl = GetCurrentGLState();
+    ZALGLProgramObject* fragment = getBoundProgram(gl, GL_FRAGMENT_PROGRAM_ARB);
+    ZALGLProgramObject* vertex = getBoundProgram(gl, GL_VERTEX_PROGRAM_ARB);
+    if (!fragment || !vertex || !fragment->IsValid() || !vertex->IsValid()) {
+        SetCurrentError(gl, GL_INVALID_OPERATION);
+        return 1;
+    }
+    installRasterState(gl, encoder);
+
+    SamplerMap slots;
+    int samplerCount = 0; // goes on from the fragment to the vertex stage
+    ZALMetal::RenderPipelineCache::Key key;
+    if (int status = installFragmentTextures(gl, encoder, fragment->bindings, slots, samplerCount, key.fragmentProgramKey)) return status;
+    if (int status = installVertexTextures(gl, encoder, vertex->bindings, slots, samplerCount, vertexKey)) return status;
+    key.vertexDescriptor = vertexDescriptor;
+    key.vertexProgramKey = vertexKey;
+    if (int status = installPipeline(gl, encoder, key)) return status;
+    installConstants(gl, encoder, *vertex, *fragment);
+    return 0;
+}
+
+// ---- Vertex arrays ---------------------------------------------------------------------------------------------------------
+
+namespace {
+
+/// Binds the buffer of every enabled attribute at the attribute's own index.
+bool bindVertexBuffers(ZALGLState* gl, MTL::RenderCommandEncoder* encoder, uint32_t& usedMask)
+{
+    for (uint32_t i = 0; i < 16 && gl->enabledAttribArrays >> i != 0; ++i) {
+        if (!(gl->enabledAttribArrays >> i & 1)) continue;
+        ZALGLBufferObject* buffer = gl->contextObjects->buffers.Find(gl->vertexAttribs[i].buffer);
+        if (!buffer) {
+            SetCurrentError(gl, GL_INVALID_OPERATION);
+            return false;
+        }
+        encoder->setVertexBuffer(buffer->GetMTLBuffer(), static_cast<NS::UInteger>(gl->vertexAttribs[i].offset), i);
+        usedMask |= 1u << i;
+    }
+    return true;
+}
+
+GLVertexDescription vertexDescriptionOf(const ZALGLState& gl)
+{
+    GLVertexDescription description;
+    description.mask = gl.enabledAttribArrays;
+    std::copy(std::begin(gl.vertexAttribs), std::end(gl.vertexAttribs), description.attributes);
+    return description;
+}
+
+void drawIndexed(ZALGLState* gl, MTL::RenderCommandEncoder* encoder, uint64_t primitive, GLsizei count, MTL::IndexType indexType, NS::UInteger offset)
+{
+    uint32_t glBufferId = gl->elementArrayBufferBinding;
+    if (glBufferId == 0) ZALMetal::AssertionFailed("glDrawElements", Source, "glBufferId != 0");
+    ZALGLBufferObject* bufferObject = gl->contextObjects->buffers.Find(glBufferId);
+    if (!bufferObject) ZALMetal::AssertionFailed("glDrawElements", Source, "bufferObject");
+    if (count <= 0) return;
+    encoder->drawIndexedPrimitives(static_cast<MTL::PrimitiveType>(primitive), static_cast<NS::UInteger>(count), indexType, bufferObject->GetMTLBuffer(), offset, 1);
+}
+
+} // namespace
+
+void glDrawElements(GLenum mode, GLsizei count, GLenum type, const void* indices)
+{
+    constexpr GLenum ExemptMode = 10;
+    ZALGLState* gl = GetCurrentGLState();
+    if (!gl) return;
+    MTL::RenderCommandEncoder* encoder = GetCurrentMetalState()->getOrCreateCommandEncoder(gl); // even for a call that is rejected
+
+    bool everythingCulled = gl->cullFaceEnabled && gl->cullFaceMode == GL_FRONT_AND_BACK;
+    if (everythingCulled && mode >= GL_TRIANGLES && mode != ExemptMode) return;
+    bool shortIndices = type == GL_UNSIGNED_SHORT;
+    if (!shortIndices && type != GL_UNSIGNED_INT) return SetCurrentError(gl, GL_INVALID_VALUE);
+    uint64_t primitive = 0;
+    if (ZALMetal::convertPrimitiveType(primitive, mode)) return SetCurrentError(gl, GL_INVALID_VALUE);
+
+    uint32_t mask = 0;
+    if (!bindVertexBuffers(gl, encoder, mask)) return;
+    ZALGLProgramObject* program = getBoundProgram(gl, GL_VERTEX_PROGRAM_ARB);
+    if (!program) return SetCurrentError(gl, GL_INVALID_OPERATION);
+    MTL::VertexDescriptor* descriptor = program->vertexDescriptors.getOrCreate(mask, vertexDescriptionOf(*gl));
+    if (!descriptor) return;
+    ZALMetal::VertexProgramSpecializationKey key = {};
+    key.attributeMask = mask;
+    if (internal_InstallMetalState(encoder, descriptor, key) != 0) return;
+
+    auto offset = reinterpret_cast<NS::UInteger>(indices);
+    if (mode == GL_POINTS && program->expandsPoints) {
+        constexpr NS::UInteger HexagonCorners = 6;
+        if (count > 0)
+            encoder->drawPrimitives(MTL::PrimitiveTypeTriangleStrip, NS::UInteger(0), HexagonCorners, static_cast<NS::UInteger>(count), offset / (shortIndices ? 2 : 4));
+        return;
+    }
+    drawIndexed(gl, encoder, primitive, count, shortIndices ? MTL::IndexTypeUInt16 : MTL::IndexTypeUInt32, offset);
+}
+
+// ---- Clearing ----------------------------------------------------------------------------------------------------------------
+
+void glClear(GLbitfield mask)
+{
+    ZALGLState* gl = GetCurrentGLState();
+    if (!gl) return;
+
+    auto* pool = NS::AutoreleasePool::alloc()->init();
+    MTL::RenderPassDescriptor* descriptor = ZALMetalContextNewRenderDescriptor(gl, GetCurrentMetalContext());
+    for (uint32_t i = 0; (mask & GL_COLOR_BUFFER_BIT) && i < 8 && gl->pipelineDescription.drawBufferMask >> i != 0; ++i) {
+        if (!(gl->pipelineDescription.drawBufferMask >> i & 1)) continue;
+        MTL::RenderPassColorAttachmentDescriptor* color = descriptor->colorAttachments()->object(i);
+        color->setLoadAction(MTL::LoadActionClear);
+        color->setClearColor(MTL::ClearColor(gl->clearColor[0], gl->clearColor[1], gl->clearColor[2], gl->clearColor[3]));
+    }
+    if (mask & GL_DEPTH_BUFFER_BIT) {
+        descriptor->depthAttachment()->setLoadAction(MTL::LoadActionClear);
+        descriptor->depthAttachment()->setClearDepth(gl->clearDepth);
+    }
+    if (mask & GL_STENCIL_BUFFER_BIT) {
+        descriptor->stencilAttachment()->setLoadAction(MTL::LoadActionClear);
+        descriptor->stencilAttachment()->setClearStencil(gl->clearStencil);
+    }
+    GetCurrentMetalState()->renderPassBegin(descriptor, gl);
+    descriptor->release();
+    pool->release();
+}

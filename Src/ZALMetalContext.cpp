@@ -1,0 +1,192 @@
+// SPDX-License-Identifier: Apache-2.0
+// Chapters: creating, current context, releasing.
+#include "ZALMetalContext.h"
+
+#include "ZALGLContextObjects.h"
+#include "ZALMetalBlitter.h"
+#include "ZALMetalState.h"
+
+#include <cstdlib>
+
+// ---- Creating --------------------------------------------------------------------------------------------------------------
+
+namespace {
+
+struct Chosen
+{
+    MTL::Device* device = nullptr;
+    MTL::CommandQueue* queue = nullptr;
+    bool owned = false;
+};
+
+/// The host's queue and its device, or a device of the machine with a new queue. False without a device.
+bool choose(const ZALGLState& gl, void* commandQueue, Chosen& out)
+{
+    if (commandQueue) {
+        out.queue = static_cast<MTL::CommandQueue*>(commandQueue);
+        out.device = out.queue->device();
+        return true;
+    }
+    if (gl.deviceIndex == -1) {
+        NSLog("ZAL Metal, selecting the system default device.");
+        out.device = MTL::CreateSystemDefaultDevice();
+    } else {
+        NSLog("ZAL Metal, selecting the device with index=%d", gl.deviceIndex);
+        NS::Array* all = MTL::CopyAllDevices();
+        auto index = static_cast<NS::UInteger>(static_cast<int64_t>(gl.deviceIndex));
+        if (all && all->count() > index) out.device = all->object<MTL::Device>(index)->retain();
+        if (all) all->release();
+    }
+    if (!out.device) return false;
+    NSLog("ZAL Metal, selected the following MTLDevice : %@", out.device->name());
+    out.queue = out.device->newCommandQueue();
+    out.owned = true;
+    return out.queue != nullptr;
+}
+
+void checkCapture(ZALGLState& gl)
+{
+    if (!gl.enableDebugGPUCapture) return;
+    NSLog("enableDebugGPUCapture is set :");
+    if (MTL::CaptureManager::sharedCaptureManager()->supportsDestination(MTL::CaptureDestinationGPUTraceDocument)) {
+        NSLog("- MTLCaptureManager supports MTLCaptureDestinationGPUTraceDocument");
+        return;
+    }
+    NSLog("- [!] MTLCaptureManager does not support MTLCaptureDestinationGPUTraceDocument");
+    NSLog("- enableDebugGPUCapture is disabled");
+    NSLog("- Did you forget to set 'Metal Capture Enabled' value set to YES in 'Info.plist' ?");
+    gl.enableDebugGPUCapture = 0;
+}
+
+bool sharesDevice(const ZALMetalContext* shareContext, MTL::Device* device)
+{
+    if (!shareContext || shareContext->metalData->device == device) return true;
+    NSLog("All windows must use the same MTLDevice.");
+    NSLog("- ZALMetalContextInitFromMTLCommandQueue input command queue uses device named '%@'", device->name());
+    NSLog("- sharecontext uses device named '%@'", shareContext->metalData->device->name());
+    return false;
+}
+
+ZALGLContextObjects* sharedOrNew(ZALMetalContext* shareContext)
+{
+    if (!shareContext) return new ZALGLContextObjects;
+    ++shareContext->glState->contextObjects->contexts;
+    return shareContext->glState->contextObjects;
+}
+
+class ScopedPool
+{
+public:
+    ScopedPool() : _pool(NS::AutoreleasePool::alloc()->init()) {}
+    ~ScopedPool() { _pool->release(); }
+    ScopedPool(const ScopedPool&) = delete;
+    ScopedPool& operator=(const ScopedPool&) = delete;
+
+private:
+    NS::AutoreleasePool* _pool;
+};
+
+} // namespace
+
+int ZALMetalContextInitFromMTLCommandQueue(ZALMetalContext*& outContext, ZALMetalContext* shareContext, void* commandQueue)
+{
+    ScopedPool pool;
+    auto* context = static_cast<ZALMetalContext*>(std::malloc(sizeof(ZALMetalContext)));
+    context->glState = new ZALGLState(sharedOrNew(shareContext));
+    ZALGLState& gl = *context->glState;
+    ApplyEnvironmentSwitches(gl);
+    if (gl.useMetalDeviceWrapper) setenv("METAL_DEVICE_WRAPPER_TYPE", "1", 1);
+
+    Chosen chosen;
+    if (!choose(gl, commandQueue, chosen)) return ZALMetalResultDeviceUnavailable;
+    if (!sharesDevice(shareContext, chosen.device)) {
+        std::free(context);
+        return ZALMetalResultDeviceUnavailable;
+    }
+    checkCapture(gl);
+    ZALMetalBlitter* blitter = ZALMetalBlitterInit(chosen.device);
+    context->metalData =
+        new ZALMetalData{chosen.device, chosen.queue, nullptr, false, new ZALMetalState(chosen.queue), blitter, 1, chosen.owned};
+    context->drawable = new ZALMetalDrawable;
+    gl.isIntelDevice = NS::hasPrefix(chosen.device->name(), "Intel(R)");
+    outContext = context;
+    return ZALMetalContextMakeCurrent(context);
+}
+
+int ZALMetalContextInitFromShareContext(ZALMetalContext*& outContext, ZALMetalContext* shareContext)
+{
+    if (!shareContext) return ZALMetalResultInvalidArgument;
+    auto* context = static_cast<ZALMetalContext*>(std::malloc(sizeof(ZALMetalContext)));
+    context->glState = new ZALGLState(sharedOrNew(shareContext));
+    ApplyEnvironmentSwitches(*context->glState);
+    // Kept on purpose: [share-intel-flag] the flag of Intel devices stays as it starts, set, whatever the device is.
+    context->metalData = shareContext->metalData;
+    ++context->metalData->contexts;
+    context->drawable = new ZALMetalDrawable;
+    outContext = context;
+    return ZALMetalContextMakeCurrent(context);
+}
+
+// ---- Current context -------------------------------------------------------------------------------------------------------
+
+int ZALMetalContextMakeCurrent(ZALMetalContext* context)
+{
+    if (context == g_currentContext) return ZALMetalResultSuccess;
+    if (g_currentContext) g_currentContext->metalData->metalState->commandBufferEnd();
+    g_currentContext = context;
+    return ZALMetalResultSuccess;
+}
+
+ZALMetalContext* ZALMetalContextGetCurrent(void) { return g_currentContext; }
+
+// ---- Releasing -------------------------------------------------------------------------------------------------------------
+
+int ZALMetalContextRelease(ZALMetalContext* context)
+{
+    ScopedPool pool;
+    ZALMetalData* data = context->metalData;
+    if (data->captureScope) {
+        NSLog("enableDebugGPUCapture: Ending GPU trace");
+        data->metalState->commandBufferWaitUntilCompleted();
+        data->captureScope->endScope();
+        data->captureScope->release();
+        data->captureScope = nullptr;
+    }
+    data->metalState->commandBufferWaitUntilCompleted();
+    ZALMetalContextDrawableRelease(context);
+    if (context->drawable->view)
+        CFNotificationCenterRemoveObserver(CFNotificationCenterGetLocalCenter(), context, NSViewFrameDidChangeNotificationName(), context->drawable->view);
+    if (context == g_currentContext) {
+        data->metalState->commandBufferEnd();
+        g_currentContext = nullptr;
+    }
+    std::free(context);
+    return ZALMetalResultSuccess;
+}
+
+int ZALMetalContextDestroy(ZALMetalContext* context)
+{
+    ScopedPool pool;
+    ZALMetalData* data = context->metalData;
+    ZALGLState* gl = context->glState;
+    ZALMetalDrawable* drawable = context->drawable;
+    ZALMetalContextRelease(context);
+    if (drawable->layer) { // with a layer the textures are ours
+        if (drawable->colorTexture) drawable->colorTexture->release();
+        if (drawable->depthTexture) drawable->depthTexture->release();
+        drawable->view->setLayer(nullptr);
+        drawable->layer->release();
+    }
+    delete drawable;
+    if (--gl->contextObjects->contexts == 0) delete gl->contextObjects;
+    delete gl;
+    if (--data->contexts > 0) return ZALMetalResultSuccess;
+    ZALMetalBlitterRelease(data->blitter);
+    delete data->metalState;
+    if (data->ownsObjects) {
+        data->commandQueue->release();
+        data->device->release();
+    }
+    delete data;
+    return ZALMetalResultSuccess;
+}

@@ -1,0 +1,230 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "ZALMetalState.h"
+
+#include "ZALMetalContext.h"
+
+#include <cstdlib>
+
+namespace {
+
+constexpr const char* Source = "Src/ZALMetalState";
+
+template <class T>
+void releaseAndForget(T*& object)
+{
+    if (object) object->release();
+    object = nullptr;
+}
+
+} // namespace
+
+void ZALMetalState::renderPassBegin(MTL::RenderPassDescriptor* descriptor, ZALGLState* state)
+{
+    renderPassEnd();
+    if (_blitEncoder) commandBufferEnd(); // blit work goes first, on a command buffer of its own
+    commandBufferStart();
+    _renderPassCmdEncoder = _commandBuffer->renderCommandEncoder(descriptor);
+    if (!_renderPassCmdEncoder) ZALMetal::AssertionFailed("renderPassBegin", Source, "_renderPassCmdEncoder != nil");
+    ZALMetal::EncodeDefaults(_renderPassCmdEncoder);
+    _renderPassCmdEncoder->retain();
+    ZALMetal::EncodeSetViewport(_renderPassCmdEncoder, state);
+    ZALMetal::EncodeSetDepthStencilState(_renderPassCmdEncoder, state, GetCurrentMetalContext());
+    _dirty = 0;
+}
+
+void ZALMetalState::renderPassEnd()
+{
+    if (!_renderPassCmdEncoder) return;
+    _renderPassCmdEncoder->endEncoding();
+    releaseAndForget(_renderPassCmdEncoder);
+}
+
+MTL::CommandBuffer* ZALMetalState::commandBufferStart()
+{
+    if (!_commandBuffer) _commandBuffer = takeCommandBuffer();
+    return _commandBuffer;
+}
+
+MTL::CommandBuffer* ZALMetalState::takeCommandBuffer()
+{
+    MTL::CommandBuffer* buffer = _queue->commandBuffer();
+    return buffer ? buffer->retain() : nullptr;
+}
+
+void ZALMetalState::endEncoders()
+{
+    renderPassEnd();
+    if (!_blitEncoder) return;
+    _blitEncoder->endEncoding();
+    releaseAndForget(_blitEncoder);
+}
+
+void ZALMetalState::commandBufferEnd()
+{
+    endEncoders();
+    if (!_commandBuffer) return;
+    _commandBuffer->commit();
+    _commandBuffer->waitUntilScheduled();
+    releaseAndForget(_commandBuffer);
+}
+
+void ZALMetalState::commandBufferWaitUntilCompleted()
+{
+    endEncoders();
+    if (!_commandBuffer) return;
+    _commandBuffer->commit();
+    _commandBuffer->waitUntilCompleted();
+    releaseAndForget(_commandBuffer);
+}
+
+MTL::RenderCommandEncoder* ZALMetalState::getOrCreateCommandEncoder(ZALGLState* state)
+{
+    if (!_renderPassCmdEncoder) [[unlikely]] {
+        auto* pool = NS::AutoreleasePool::alloc()->init();
+        MTL::RenderPassDescriptor* descriptor = ZALMetalContextNewRenderDescriptor(state, GetCurrentMetalContext());
+        renderPassBegin(descriptor, state);
+        descriptor->release();
+        pool->release();
+        if (!_renderPassCmdEncoder) ZALMetal::AssertionFailed("getOrCreateCommandEncoder", Source, "_renderPassCmdEncoder != nil");
+    }
+    if (_dirty != 0) EncodeDirtyStates(state, _dirty);
+    _dirty = 0;
+    return _renderPassCmdEncoder;
+}
+
+MTL::BlitCommandEncoder* ZALMetalState::getOrCreateBlitCommandEncoder()
+{
+    if (_blitEncoder) return _blitEncoder;
+    commandBufferEnd();
+    _commandBuffer = takeCommandBuffer();
+    _blitEncoder = _commandBuffer->blitCommandEncoder();
+    if (_blitEncoder) _blitEncoder->retain();
+    return _blitEncoder;
+}
+
+void ZALMetalState::EncodeDirtyStates(ZALGLState* state, uint32_t bits)
+{
+    if (!_renderPassCmdEncoder) ZALMetal::AssertionFailed("EncodeDirtyStates", Source, "_renderPassCmdEncoder != nil");
+    if (bits & DirtyViewport) ZALMetal::EncodeSetViewport(_renderPassCmdEncoder, state);
+    if (bits & DirtyDepthStencil) ZALMetal::EncodeSetDepthStencilState(_renderPassCmdEncoder, state, GetCurrentMetalContext());
+}
+
+namespace ZALMetal {
+
+void AssertionFailed(const char* function, const char* source, const char* expression)
+{
+    NSLog("Assertion failed: (%s), function %s, file %s.", expression, function, source);
+    std::abort();
+}
+
+// ---- encoding ------------------------------------------------------------------------------------------------------------
+
+void EncodeDefaults(MTL::RenderCommandEncoder* encoder) { encoder->setFrontFacingWinding(MTL::WindingClockwise); }
+
+void EncodeSetViewport(MTL::RenderCommandEncoder* encoder, ZALGLState* state)
+{
+    const int32_t* v = state->viewport;
+    MTL::Viewport viewport = {static_cast<double>(v[0]), static_cast<double>(v[1]), static_cast<double>(v[2]), static_cast<double>(v[3]), 0.0, 1.0};
+    if (!state->isIntelDevice) { // elsewhere the matrix turns y
+        viewport.originY = static_cast<double>(static_cast<int32_t>(static_cast<uint32_t>(v[1]) + static_cast<uint32_t>(v[3])));
+        viewport.height = -static_cast<double>(v[3]);
+    }
+    encoder->setViewport(viewport);
+}
+
+namespace {
+
+/// The stencil half of a depth-stencil state; false when an enumerant has no counterpart.
+bool makeStencil(const ZALGLState& state, MTL::StencilDescriptor*& out)
+{
+    uint64_t function = 0, fail = 0, depthFail = 0, pass = 0;
+    if (convertCompareFunc(function, state.stencilFunc) || convertStencilOperation(fail, state.stencilFailOp) ||
+        convertStencilOperation(depthFail, state.stencilDepthFailOp) || convertStencilOperation(pass, state.stencilDepthPassOp))
+        return false;
+    out = MTL::StencilDescriptor::alloc()->init();
+    out->setStencilFailureOperation(static_cast<MTL::StencilOperation>(fail));
+    out->setDepthFailureOperation(static_cast<MTL::StencilOperation>(depthFail));
+    out->setDepthStencilPassOperation(static_cast<MTL::StencilOperation>(pass));
+    out->setStencilCompareFunction(static_cast<MTL::CompareFunction>(function));
+    out->setReadMask(state.stencilValueMask);
+    out->setWriteMask(state.stencilWriteMask);
+    return true;
+}
+
+} // namespace
+
+void EncodeSetDepthStencilState(MTL::RenderCommandEncoder* encoder, ZALGLState* state, ZALMetalContext* context)
+{
+    bool depth = getFramebufferDepthTexture(state, context) && state->depthTestEnabled;
+    bool hasStencil = getFramebufferStencilTexture(state, context) && state->stencilTestEnabled;
+    uint64_t compare = MTL::CompareFunctionAlways;
+    if (depth) convertCompareFunc(compare, state->depthFunc);
+    MTL::StencilDescriptor* stencil = nullptr;
+    if (hasStencil && !makeStencil(*state, stencil)) return SetCurrentError(state, GL_INVALID_VALUE);
+    MTL::DepthStencilDescriptor* descriptor = MTL::DepthStencilDescriptor::alloc()->init();
+    descriptor->setDepthCompareFunction(static_cast<MTL::CompareFunction>(compare));
+    descriptor->setDepthWriteEnabled(depth && state->depthWriteMask != 0);
+    descriptor->setFrontFaceStencil(stencil);
+    descriptor->setBackFaceStencil(stencil);
+    MTL::DepthStencilState* made = context->metalData->device->newDepthStencilState(descriptor);
+    encoder->setDepthStencilState(made);
+    if (made) made->release();
+    descriptor->release();
+    if (stencil) stencil->release();
+}
+
+// ---- conversions ---------------------------------------------------------------------------------------------------------
+
+namespace {
+
+constexpr int ConversionFailed = 6;
+
+struct ConversionRow
+{
+    uint32_t gl;
+    uint64_t metal;
+};
+
+template <size_t N>
+int convert(const ConversionRow (&table)[N], uint64_t& out, uint32_t value)
+{
+    for (const ConversionRow& row : table) {
+        if (row.gl != value) continue;
+        out = row.metal;
+        return 0;
+    }
+    return ConversionFailed;
+}
+
+constexpr ConversionRow StencilOperations[] = {
+    {GL_KEEP, MTL::StencilOperationKeep},
+    {GL_ZERO, MTL::StencilOperationZero},
+    {GL_REPLACE, MTL::StencilOperationReplace},
+    {GL_INCR, MTL::StencilOperationIncrementClamp},
+    {GL_DECR, MTL::StencilOperationDecrementClamp},
+    {GL_INVERT, MTL::StencilOperationInvert},
+    {GL_INCR_WRAP, MTL::StencilOperationIncrementWrap},
+    {GL_DECR_WRAP, MTL::StencilOperationDecrementWrap},
+};
+
+constexpr ConversionRow PrimitiveTypes[] = {
+    {GL_POINTS, MTL::PrimitiveTypePoint},
+    {GL_LINES, MTL::PrimitiveTypeLine},
+    {GL_LINE_STRIP, MTL::PrimitiveTypeLineStrip},
+    {GL_TRIANGLES, MTL::PrimitiveTypeTriangle},
+    {GL_TRIANGLE_STRIP, MTL::PrimitiveTypeTriangleStrip},
+};
+
+} // namespace
+
+int convertCompareFunc(uint64_t& out, uint32_t function)
+{
+    if (function < GL_NEVER || function > GL_ALWAYS) return ConversionFailed;
+    out = function - GL_NEVER; // the two enumerations have one order
+    return 0;
+}
+
+int convertStencilOperation(uint64_t& out, uint32_t operation) { return convert(StencilOperations, out, operation); }
+int convertPrimitiveType(uint64_t& out, uint32_t mode) { return convert(PrimitiveTypes, out, mode); }
+
+} // namespace ZALMetal

@@ -1,0 +1,49 @@
+/* SPDX-License-Identifier: Apache-2.0 */
+#include "package/HeaderExamples.h"
+
+#include <ZALMetal/ZALMetalGL.h>
+
+#include <stddef.h>
+
+int exampleContext(void* queue, ZALMetalContext** made, uint32_t* madeTexture)
+{
+    GLuint texture = 0;
+    ZALMetalContext* context = NULL;
+    if (ZALMetalContextInitFromMTLCommandQueue(&context, NULL, queue) != ZALMetalResultSuccess) return 1;
+    glGenTextures(1, &texture);
+    *made = context;
+    *madeTexture = texture;
+    return 0;
+}
+
+int exampleLayer(ZALMetalContext* context, void* view)
+{
+    if (ZALMetalContextCreateCAMetalLayer(context, view, 80, 252) != ZALMetalResultSuccess) return 1;
+    glViewport(0, 0, 640, 480);
+    glClearColor(0, 0, 0, 1);
+    glClear(GL_COLOR_BUFFER_BIT);
+    ZALMetalContextSwapBuffers(context);
+    return 0;
+}
+
+int exampleHostTextures(ZALMetalContext* context, void* colorTexture)
+{
+    if (ZALMetalContextSetMetalDrawable(context, colorTexture, NULL) != ZALMetalResultSuccess) return 1;
+    glClear(GL_COLOR_BUFFER_BIT);
+    glFinish();
+    return 0;
+}
+
+int exampleCopy(ZALMetalContext* context, void* colorTexture, void* otherTexture)
+{
+    if (ZALMetalContextCopyAndFlipMetalTexture(context, colorTexture, otherTexture) != ZALMetalResultSuccess) return 1;
+    return 0;
+}
+
+int exampleLookUp(ZALMetalContext* context, uint32_t texture, void** found)
+{
+    void* metalTexture = NULL;
+    if (ZALMetalContextGetMtlTextureFromGLTextureId(context, &metalTexture, texture) != ZALMetalResultSuccess) return 1;
+    *found = metalTexture;
+    return 0;
+}

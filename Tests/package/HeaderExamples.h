@@ -1,0 +1,17 @@
+/* SPDX-License-Identifier: Apache-2.0
+ * The examples of the public headers, word for word, each in a function that returns 0 when it went through. */
+#pragma once
+
+#include <ZALMetal/ZALMetal.h>
+
+#if defined(__cplusplus)
+extern "C" {
+#endif
+int exampleContext(void* queue, ZALMetalContext** made, uint32_t* madeTexture);
+int exampleLayer(ZALMetalContext* context, void* view);
+int exampleHostTextures(ZALMetalContext* context, void* colorTexture);
+int exampleCopy(ZALMetalContext* context, void* colorTexture, void* otherTexture);
+int exampleLookUp(ZALMetalContext* context, uint32_t texture, void** found);
+#if defined(__cplusplus)
+}
+#endif

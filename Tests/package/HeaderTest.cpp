@@ -1,0 +1,133 @@
+// SPDX-License-Identifier: Apache-2.0
+// The public headers: their examples stand in a C source word for word, and run.
+#include "package/HeaderExamples.h"
+
+#include <ZALMetal/ZALMetalGL.h>
+
+#include <SoftMetal/SoftMetal.hpp>
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace
+{
+
+std::string trimmed(const std::string& line, const char* unwanted)
+{
+    size_t first = line.find_first_not_of(unwanted);
+    return first == std::string::npos ? "" : line.substr(first);
+}
+
+std::vector<std::string> exampleLines(const std::string& header)
+{
+    std::ifstream file(std::string(ZAL_HEADERS) + "/" + header);
+    std::vector<std::string> lines;
+    bool inside = false;
+    for (std::string line; std::getline(file, line);) {
+        std::string text = trimmed(line, " *");
+        if (text == "@endcode") inside = false;
+        if (inside && !text.empty()) lines.push_back(text);
+        if (text == "@code") inside = true;
+    }
+    return lines;
+}
+
+TEST(HeaderExamples, AreTheOnesThatAreCompiled)
+{
+    std::ifstream file(ZAL_EXAMPLES);
+    std::set<std::string> compiled;
+    for (std::string line; std::getline(file, line);)
+        compiled.insert(trimmed(line, " "));
+    std::vector<std::string> examples = exampleLines("ZALMetal.h");
+    EXPECT_GE(examples.size(), 10u);
+    for (const std::string& line : examples)
+        EXPECT_TRUE(compiled.count(line)) << line;
+}
+
+struct RunningExamples : ::testing::Test
+{
+    void SetUp() override
+    {
+        device = SoftMetal::newDevice({});
+        queue = device->newCommandQueue();
+        ASSERT_EQ(exampleContext(queue, &context, &texture), 0);
+    }
+    void TearDown() override
+    {
+        if (context) ZALMetalContextDestroy(context);
+        EXPECT_TRUE(SoftMetal::takeMessages().empty());
+        queue->release();
+        device->release();
+    }
+    /// Until all that was committed so far is done.
+    void waitForQueue()
+    {
+        auto* pool = NS::AutoreleasePool::alloc()->init();
+        MTL::CommandBuffer* last = queue->commandBuffer();
+        last->commit();
+        last->waitUntilCompleted();
+        pool->release();
+    }
+    MTL::Texture* newTexture()
+    {
+        auto* pool = NS::AutoreleasePool::alloc()->init();
+        auto* descriptor = MTL::TextureDescriptor::texture2DDescriptor(MTL::PixelFormatBGRA8Unorm, 8, 8, false);
+        descriptor->setStorageMode(MTL::StorageModePrivate);
+        descriptor->setUsage(MTL::TextureUsageShaderRead | MTL::TextureUsageRenderTarget);
+        MTL::Texture* made = device->newTexture(descriptor);
+        pool->release();
+        return made;
+    }
+
+    MTL::Device* device = nullptr;
+    MTL::CommandQueue* queue = nullptr;
+    ZALMetalContext* context = nullptr;
+    uint32_t texture = 0;
+};
+
+TEST_F(RunningExamples, TheContextIsCurrent)
+{
+    EXPECT_EQ(ZALMetalContextGetCurrent(), context);
+    EXPECT_EQ(texture, 1u);
+}
+
+TEST_F(RunningExamples, TheLayerPresentsAFrame)
+{
+    NSView* view = SoftMetal::newView(640, 480);
+    EXPECT_EQ(exampleLayer(context, view), 0);
+    waitForQueue();
+    EXPECT_EQ(SoftMetal::presented(SoftMetal::layerOf(view)).count, 1u);
+    ZALMetalContextDestroy(context);
+    context = nullptr;
+    view->release();
+}
+
+TEST_F(RunningExamples, HostTexturesAreDrawnIntoAndCopied)
+{
+    MTL::Texture *color = newTexture(), *other = newTexture();
+    EXPECT_EQ(exampleHostTextures(context, color), 0);
+    EXPECT_EQ(exampleCopy(context, color, other), 0);
+    glFinish();
+    color->release();
+    other->release();
+}
+
+TEST_F(RunningExamples, ATextureWithoutAnImageHasNoMetalTexture)
+{
+    void* found = &found;
+    EXPECT_EQ(exampleLookUp(context, texture, &found), 0);
+    EXPECT_EQ(found, nullptr);
+}
+
+TEST(Version, IsTheProjects)
+{
+    std::string version = std::to_string(ZALMETAL_VERSION_MAJOR) + "." + std::to_string(ZALMETAL_VERSION_MINOR) + "." +
+                          std::to_string(ZALMETAL_VERSION_PATCH);
+    EXPECT_EQ(version, ZAL_VERSION);
+}
+
+} // namespace

@@ -1,0 +1,212 @@
+#include <simd/simd.h>
+#include <metal_stdlib>
+
+
+#define ZALMETAL_STATEMATRIXDATA_IDX 16
+#define ZALMETAL_PROGRAMLOCALDATA_IDX 17
+#define ZALMETAL_SAMPLER_TABLE_CST_IDX 1000
+#define ZALMETAL_TEXSWIZZLE_TABLE_CST_IDX 1100
+#define ZALMETAL_MAX_PROGRAM_ENV_PARAMETERS 256
+
+typedef struct StateMatrixData
+{
+  metal::float4x4 modelview;
+  metal::float4x4 projection;
+  metal::float4x4 mvp;
+  metal::float4x4 texture[4];
+  
+  metal::float4x4 modelview_inv;
+  metal::float4x4 projection_inv;
+  metal::float4x4 mvp_inv;
+  metal::float4x4 texture_inv[4];
+  
+  metal::float4x4 modelview_trans;
+  metal::float4x4 projection_trans;
+  metal::float4x4 mvp_trans;
+  metal::float4x4 texture_trans[4];
+  
+  metal::float4x4 modelview_invtrans;
+  metal::float4x4 projection_invtrans;
+  metal::float4x4 mvp_invtrans;
+  metal::float4x4 texture_invtrans[4];
+}
+StateMatrixData;
+
+typedef struct ProgramLocalsData
+{
+  float4 value[ZALMETAL_MAX_PROGRAM_ENV_PARAMETERS];
+}
+ProgramLocalsData;
+
+struct Varyings {
+  float4 position [[position]];
+  float4 color;
+  float4 texcoord0;
+  float4 texcoord1;
+  float4 texcoord2;
+  float4 texcoord3;
+  float4 texcoord4;
+  float4 texcoord5;
+  float4 texcoord6;
+  float4 texcoord7;
+};
+
+constant int samplerSlotIndexForUnit0 [[function_constant(1000)]];
+constant int samplerSlotIndexForUnit1 [[function_constant(1001)]];
+constant int samplerSlotIndexForUnit2 [[function_constant(1002)]];
+constant int samplerSlotIndexForUnit3 [[function_constant(1003)]];
+constant int samplerSlotIndexForUnit4 [[function_constant(1004)]];
+constant int samplerSlotIndexForUnit5 [[function_constant(1005)]];
+constant int samplerSlotIndexForUnit6 [[function_constant(1006)]];
+constant int samplerSlotIndexForUnit7 [[function_constant(1007)]];
+constant int samplerSlotIndexForUnit8 [[function_constant(1008)]];
+constant int samplerSlotIndexForUnit9 [[function_constant(1009)]];
+constant int samplerSlotIndexForUnit10 [[function_constant(1010)]];
+constant int samplerSlotIndexForUnit11 [[function_constant(1011)]];
+constant int samplerSlotIndexForUnit12 [[function_constant(1012)]];
+constant int samplerSlotIndexForUnit13 [[function_constant(1013)]];
+constant int samplerSlotIndexForUnit14 [[function_constant(1014)]];
+constant int samplerSlotIndexForUnit15 [[function_constant(1015)]];
+constant int samplerSlotIndexForUnit16 [[function_constant(1016)]];
+constant int samplerSlotIndexForUnit17 [[function_constant(1017)]];
+constant int samplerSlotIndexForUnit18 [[function_constant(1018)]];
+constant int samplerSlotIndexForUnit19 [[function_constant(1019)]];
+constant int samplerSlotIndexForUnit20 [[function_constant(1020)]];
+constant int samplerSlotIndexForUnit21 [[function_constant(1021)]];
+constant int samplerSlotIndexForUnit22 [[function_constant(1022)]];
+constant int samplerSlotIndexForUnit23 [[function_constant(1023)]];
+constant int samplerSlotIndexForUnit24 [[function_constant(1024)]];
+constant int samplerSlotIndexForUnit25 [[function_constant(1025)]];
+constant int samplerSlotIndexForUnit26 [[function_constant(1026)]];
+constant int samplerSlotIndexForUnit27 [[function_constant(1027)]];
+constant int samplerSlotIndexForUnit28 [[function_constant(1028)]];
+constant int samplerSlotIndexForUnit29 [[function_constant(1029)]];
+constant int samplerSlotIndexForUnit30 [[function_constant(1030)]];
+constant int samplerSlotIndexForUnit31 [[function_constant(1031)]];
+constant uint32_t texSwizzleForUnit0 [[function_constant(1100)]];
+constant uint32_t texSwizzleForUnit1 [[function_constant(1101)]];
+constant uint32_t texSwizzleForUnit2 [[function_constant(1102)]];
+constant uint32_t texSwizzleForUnit3 [[function_constant(1103)]];
+constant uint32_t texSwizzleForUnit4 [[function_constant(1104)]];
+constant uint32_t texSwizzleForUnit5 [[function_constant(1105)]];
+constant uint32_t texSwizzleForUnit6 [[function_constant(1106)]];
+constant uint32_t texSwizzleForUnit7 [[function_constant(1107)]];
+constant uint32_t texSwizzleForUnit8 [[function_constant(1108)]];
+constant uint32_t texSwizzleForUnit9 [[function_constant(1109)]];
+constant uint32_t texSwizzleForUnit10 [[function_constant(1110)]];
+constant uint32_t texSwizzleForUnit11 [[function_constant(1111)]];
+constant uint32_t texSwizzleForUnit12 [[function_constant(1112)]];
+constant uint32_t texSwizzleForUnit13 [[function_constant(1113)]];
+constant uint32_t texSwizzleForUnit14 [[function_constant(1114)]];
+constant uint32_t texSwizzleForUnit15 [[function_constant(1115)]];
+constant uint32_t texSwizzleForUnit16 [[function_constant(1116)]];
+constant uint32_t texSwizzleForUnit17 [[function_constant(1117)]];
+constant uint32_t texSwizzleForUnit18 [[function_constant(1118)]];
+constant uint32_t texSwizzleForUnit19 [[function_constant(1119)]];
+constant uint32_t texSwizzleForUnit20 [[function_constant(1120)]];
+constant uint32_t texSwizzleForUnit21 [[function_constant(1121)]];
+constant uint32_t texSwizzleForUnit22 [[function_constant(1122)]];
+constant uint32_t texSwizzleForUnit23 [[function_constant(1123)]];
+constant uint32_t texSwizzleForUnit24 [[function_constant(1124)]];
+constant uint32_t texSwizzleForUnit25 [[function_constant(1125)]];
+constant uint32_t texSwizzleForUnit26 [[function_constant(1126)]];
+constant uint32_t texSwizzleForUnit27 [[function_constant(1127)]];
+constant uint32_t texSwizzleForUnit28 [[function_constant(1128)]];
+constant uint32_t texSwizzleForUnit29 [[function_constant(1129)]];
+constant uint32_t texSwizzleForUnit30 [[function_constant(1130)]];
+constant uint32_t texSwizzleForUnit31 [[function_constant(1131)]];
+
+constant bool array_enabled_vertexpos [[function_constant(0)]];
+constant bool array_enabled_normal [[function_constant(2)]];
+constant bool array_enabled_color [[function_constant(3)]];
+constant bool array_enabled_texcoord0 [[function_constant(8)]];
+
+struct Attributes {
+  float4 vertexpos [[attribute(0), function_constant(array_enabled_vertexpos)]];
+  float4 normal [[attribute(2), function_constant(array_enabled_normal)]];
+  float4 color [[attribute(3), function_constant(array_enabled_color)]];
+  float4 texcoord0 [[attribute(8), function_constant(array_enabled_texcoord0)]];
+};
+
+template <typename TEX, typename COORD>
+float4 texSample(TEX tex, metal::sampler s, COORD c, uint32_t texSwizzle)
+{
+  if (texSwizzle == 1)
+  {
+    return tex.sample(s, c).xxxx;
+  }
+  else
+  {
+    return tex.sample(s, c);
+  }
+}
+
+vertex Varyings ShaderFunc(Attributes in [[stage_in]],
+  constant StateMatrixData &state_matrix [[buffer(ZALMETAL_STATEMATRIXDATA_IDX)]],
+  constant ProgramLocalsData &program_local [[buffer(ZALMETAL_PROGRAMLOCALDATA_IDX)]],
+  metal::sampler samplerSlot0 [[sampler(0)]],
+  metal::sampler samplerSlot1 [[sampler(1)]],
+  metal::sampler samplerSlot2 [[sampler(2)]],
+  metal::sampler samplerSlot3 [[sampler(3)]],
+  metal::sampler samplerSlot4 [[sampler(4)]],
+  metal::sampler samplerSlot5 [[sampler(5)]],
+  metal::sampler samplerSlot6 [[sampler(6)]],
+  metal::sampler samplerSlot7 [[sampler(7)]],
+  metal::sampler samplerSlot8 [[sampler(8)]],
+  metal::sampler samplerSlot9 [[sampler(9)]],
+  metal::sampler samplerSlot10 [[sampler(10)]],
+  metal::sampler samplerSlot11 [[sampler(11)]],
+  metal::sampler samplerSlot12 [[sampler(12)]],
+  metal::sampler samplerSlot13 [[sampler(13)]],
+  metal::sampler samplerSlot14 [[sampler(14)]],
+  metal::sampler samplerSlot15 [[sampler(15)]]
+) {
+  Varyings result;
+  float4 a_vertexpos = array_enabled_vertexpos ? in.vertexpos : float4(0.0);
+  float4 a_normal = array_enabled_normal ? in.normal : float4(0.0);
+  float4 a_color = array_enabled_color ? in.color : float4(0.0);
+  float4 a_texcoord0 = array_enabled_texcoord0 ? in.texcoord0 : float4(0.0);
+  float4 CC0;
+  float4 CC1;
+  metal::sampler allSamplerSlots[] = {
+    samplerSlot0,
+    samplerSlot1,
+    samplerSlot2,
+    samplerSlot3,
+    samplerSlot4,
+    samplerSlot5,
+    samplerSlot6,
+    samplerSlot7,
+    samplerSlot8,
+    samplerSlot9,
+    samplerSlot10,
+    samplerSlot11,
+    samplerSlot12,
+    samplerSlot13,
+    samplerSlot14,
+    samplerSlot15,
+  };
+  //
+  float4 mvp[4] = { float4( state_matrix.mvp[0][0], state_matrix.mvp[1][0], state_matrix.mvp[2][0], state_matrix.mvp[3][0] ), float4( state_matrix.mvp[0][1], state_matrix.mvp[1][1], state_matrix.mvp[2][1], state_matrix.mvp[3][1] ), float4( state_matrix.mvp[0][2], state_matrix.mvp[1][2], state_matrix.mvp[2][2], state_matrix.mvp[3][2] ), float4( state_matrix.mvp[0][3], state_matrix.mvp[1][3], state_matrix.mvp[2][3], state_matrix.mvp[3][3] ) };
+  float4 eye[3] = { float4( state_matrix.modelview[0][0], state_matrix.modelview[1][0], state_matrix.modelview[2][0], state_matrix.modelview[3][0] ), float4( state_matrix.modelview[0][1], state_matrix.modelview[1][1], state_matrix.modelview[2][1], state_matrix.modelview[3][1] ), float4( state_matrix.modelview[0][2], state_matrix.modelview[1][2], state_matrix.modelview[2][2], state_matrix.modelview[3][2] ) };
+  float4 turn[3] = { float4( state_matrix.modelview_invtrans[0][0], state_matrix.modelview_invtrans[1][0], state_matrix.modelview_invtrans[2][0], state_matrix.modelview_invtrans[3][0] ), float4( state_matrix.modelview_invtrans[0][1], state_matrix.modelview_invtrans[1][1], state_matrix.modelview_invtrans[2][1], state_matrix.modelview_invtrans[3][1] ), float4( state_matrix.modelview_invtrans[0][2], state_matrix.modelview_invtrans[1][2], state_matrix.modelview_invtrans[2][2], state_matrix.modelview_invtrans[3][2] ) };
+  float4 normal;
+  float4 length;
+  result.position.x = float4( metal::dot( mvp[0], a_vertexpos ) ).x;
+  result.position.y = float4( metal::dot( mvp[1], a_vertexpos ) ).y;
+  result.position.z = float4( metal::dot( mvp[2], a_vertexpos ) ).z;
+  result.position.w = float4( metal::dot( mvp[3], a_vertexpos ) ).w;
+  normal.x = float4( metal::dot( turn[0].xyz, a_normal.xyzx.xyz ) ).x;
+  normal.y = float4( metal::dot( turn[1].xyz, a_normal.xyzx.xyz ) ).y;
+  normal.z = float4( metal::dot( turn[2].xyz, a_normal.xyzx.xyz ) ).z;
+  length.x = float4( metal::dot( normal.xyz, normal.xyz ) ).x;
+  length.x = float4( metal::rsqrt( length.x ) ).x;
+  result.texcoord1.xyz = ( normal * length.x ).xyz;
+  result.texcoord2.x = float4( metal::dot( eye[0], a_vertexpos ) ).x;
+  result.texcoord2.y = float4( metal::dot( eye[1], a_vertexpos ) ).y;
+  result.texcoord2.z = float4( metal::dot( eye[2], a_vertexpos ) ).z;
+  result.texcoord0 = a_texcoord0;
+  result.color = a_color;
+  //
+  return result;
+}
