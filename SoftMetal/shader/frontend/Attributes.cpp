@@ -3,6 +3,7 @@
 
 #include "shader/frontend/ClangHeaders.h"
 
+#include <optional>
 #include <array>
 #include <utility>
 
@@ -27,12 +28,24 @@ const clang::ValueDecl* lookUp(clang::Sema& sema, const clang::IdentifierInfo* n
     return found.isSingleResult() ? llvm::dyn_cast<clang::ValueDecl>(found.getFoundDecl()) : nullptr;
 }
 
+/// The value of an enumerator or a constant variable of integer type.
+std::optional<int64_t> constantValue(const clang::ValueDecl* named)
+{
+    if (auto* enumerator = llvm::dyn_cast_or_null<clang::EnumConstantDecl>(named)) return enumerator->getInitVal().getSExtValue();
+    auto* variable = llvm::dyn_cast_or_null<clang::VarDecl>(named);
+    const clang::APValue* value = variable && variable->hasInit() && variable->getType().isConstQualified() ? variable->evaluateValue() : nullptr;
+    if (value && value->isInt()) return value->getInt().getSExtValue();
+    return std::nullopt;
+}
+
 bool readArgument(clang::Sema& sema, const clang::ParsedAttr& parsed, unsigned at, Attribute& attribute)
 {
     if (parsed.isArgIdent(at)) {
         const clang::IdentifierInfo* word = parsed.getArgAsIdent(at)->Ident;
         attribute.words.push_back(word->getName().str());
-        if (attribute.name == "function_constant") attribute.constant = lookUp(sema, word);
+        const clang::ValueDecl* named = lookUp(sema, word);
+        if (attribute.name == "function_constant") attribute.constant = named;
+        else if (auto number = constantValue(named)) attribute.numbers.push_back(*number);
         return true;
     }
     const clang::Expr* expression = parsed.getArgAsExpr(at)->IgnoreParenImpCasts();
