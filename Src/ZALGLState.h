@@ -11,6 +11,8 @@ class ZALMetalState;
 struct ZALMetalData;
 struct ZALMetalDrawable;
 
+/// All GL state of one context but the objects, which contexts may share. Made and destroyed with its context; written
+/// by the entry points, read by the Metal side when it encodes. Flags are bytes, 0 or 1; names are 0 for none.
 struct ZALGLState
 {
     struct MatrixStack
@@ -25,12 +27,12 @@ struct ZALGLState
     ZALGLState& operator=(const ZALGLState&) = delete;
 
     // blend colour and clear values
-    float blendColor[4] = {0, 0, 0, 0};
-    float clearColor[4] = {0, 0, 0, 0};
-    float clearDepth = 1;
+    float blendColor[4] = {0, 0, 0, 0}; // red, green, blue, alpha, unclamped
+    float clearColor[4] = {0, 0, 0, 0}; // likewise
+    float clearDepth = 1;               // 0 to 1
     uint32_t clearStencil = 0;
 
-    // capabilities
+    // capabilities; that of blending stands in the pipeline description
     uint8_t cullFaceEnabled = 0, depthTestEnabled = 0, polygonOffsetFillEnabled = 0, stencilTestEnabled = 0;
 
     // rasterisation, depth and error
@@ -49,12 +51,13 @@ struct ZALGLState
 
     // buffer bindings and viewport
     uint32_t arrayBufferBinding = 0, elementArrayBufferBinding = 0; // names
-    int32_t viewport[4] = {0, 0, 0, 0};                             // x, y, width, height
+    int32_t viewport[4] = {0, 0, 0, 0};                             // x, y, width, height; nothing else sets it
 
     // vertex arrays: together the context's GLVertexDescription
-    uint32_t enabledAttribArrays = 0;
+    uint32_t enabledAttribArrays = 0; // bit i: array i is enabled; the vertex array is array 0
     GLVertexAttribDescription vertexAttribs[16];
 
+    // what selects a pipeline state, ready to be part of its cache's key
     GLRenderPipelineDescription pipelineDescription;
 
     // matrices
@@ -62,22 +65,24 @@ struct ZALGLState
     MatrixStack matrixStacks[6];
 
     // textures
-    uint32_t activeTextureUnit = 0;
+    uint32_t activeTextureUnit = 0;       // 0 to 31
     uint32_t textureBindings[32][5] = {}; // names by unit and target: 1D, 2D, 3D, rectangle, cube
 
     // objects, immediate mode, program errors
     ZALGLContextObjects* contextObjects; // shared, not owned
     ZALGLBeginEnd* beginEnd;             // owned
-    int32_t programErrorPosition = -1;
-    char programErrorString[2048] = {};
+    int32_t programErrorPosition = -1;   // -1: the last program loaded without an error
+    char programErrorString[2048] = {};  // empty: likewise
 
     // configuration, read when a context is made and by few paths; no entry point changes it
-    int32_t deviceIndex = -1; // -1: the system's default device
-    uint8_t enableDebugGPUCapture = 0, debugCaptureAtStart = 0, useMetalDeviceWrapper = 0;
-    uint8_t strictValidation = 0; // setters check their arguments
-    uint8_t isIntelDevice = 1;
+    int32_t deviceIndex = -1;          // -1: the system's default device; otherwise one of all devices
+    uint8_t enableDebugGPUCapture = 0; // record a trace document
+    uint8_t debugCaptureAtStart = 0;   // as soon as there is a layer
+    uint8_t useMetalDeviceWrapper = 0; // ask for Metal's validating device
+    uint8_t strictValidation = 0;      // setters check arguments that they take unseen otherwise
+    uint8_t isIntelDevice = 1;         // take the ways of viewport, upload and mipmaps that Intel GPUs need
 
-    // size of the default framebuffer
+    // size of the default framebuffer in pixels, as of its first textures
     uint32_t defaultFramebufferWidth = 0, defaultFramebufferHeight = 0;
 };
 
@@ -89,6 +94,7 @@ struct ZALMetalContext
     ZALMetalDrawable* drawable;
 };
 
+/// The one current context of the process, null for none. Only the context API writes it.
 extern ZALMetalContext* g_currentContext;
 
 ZALMetalContext* GetCurrentMetalContext();

@@ -155,7 +155,7 @@ int ZALMetalContextRelease(ZALMetalContext* context)
     data->metalState->commandBufferWaitUntilCompleted();
     ZALMetalContextDrawableRelease(context);
     if (context->drawable->view)
-        CFNotificationCenterRemoveObserver(CFNotificationCenterGetLocalCenter(), context, NSViewFrameDidChangeNotificationName(), context->drawable->view);
+        CFNotificationCenterRemoveObserver(CFNotificationCenterGetLocalCenter(), context, NSViewFrameDidChangeNotification, context->drawable->view);
     if (context == g_currentContext) {
         data->metalState->commandBufferEnd();
         g_currentContext = nullptr;

@@ -147,7 +147,7 @@ int ZALMetalContextCreateCAMetalLayer(ZALMetalContext* context, void* viewPointe
     context->glState->defaultFramebufferWidth = static_cast<uint32_t>(static_cast<int32_t>(size.width));
     context->glState->defaultFramebufferHeight = static_cast<uint32_t>(static_cast<int32_t>(size.height));
     view->setPostsFrameChangedNotifications(true);
-    CFNotificationCenterAddObserver(CFNotificationCenterGetLocalCenter(), context, ViewFrameChangeNotificationCallback, NSViewFrameDidChangeNotificationName(),
+    CFNotificationCenterAddObserver(CFNotificationCenterGetLocalCenter(), context, ViewFrameChangeNotificationCallback, NSViewFrameDidChangeNotification,
                                     view, CFNotificationSuspensionBehaviorDeliverImmediately);
     if (context->glState->enableDebugGPUCapture) startCapture(context);
     return ZALMetalResultSuccess;

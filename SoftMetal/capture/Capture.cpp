@@ -1,75 +1,210 @@
 // SPDX-License-Identifier: Apache-2.0
-// Capture scopes and their manager. Trace documents are not written yet: the manager says so when it is asked.
+// Capture scopes and their manager. A trace document is a text file: the calls made while it was captured, one a line.
 #include "foundation/Strings.h"
 #include "inspect/Inspect.h"
 #include "objects/Resources.h"
 
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+
 using namespace softmetal;
 
-namespace softmetal {
 namespace {
 
-class CaptureScopeObject final : public ObjectOf<MTL::CaptureScope>
+class CaptureScopeObject final : public Labelled<MTL::CaptureScope>
 {
 public:
+    using Labelled::Labelled;
     const char* className() const override { return "MTLCaptureScope"; }
-    Ref<DeviceObject> device;
-    ObjectRef queue, label;
+    ObjectRef queue;
 };
+
+bool supportedFromEnvironment()
+{
+    const char* wanted = std::getenv("SOFTMETAL_CAPTURE");
+    return wanted && *wanted && std::strcmp(wanted, "0") != 0;
+}
+
+// ---- documents --------------------------------------------------------------------------------------------------------------
+
+/// Text as it stands when it can be read, else as hexadecimal digits.
+std::string readable(const std::string& text)
+{
+    bool plain = true;
+    for (unsigned char c : text) plain &= c >= 32 && c < 127;
+    if (plain) return '"' + text + '"';
+    std::string digits = "0x";
+    char two[3];
+    for (unsigned char c : text) {
+        std::snprintf(two, sizeof two, "%02x", c);
+        digits += two;
+    }
+    return digits;
+}
+
+std::string lineOf(const SoftMetal::LogEntry& entry)
+{
+    char number[40];
+    std::snprintf(number, sizeof number, "%p ", entry.receiver);
+    std::string line = number + entry.label + " " + entry.call + "(";
+    const char* separator = "";
+    for (const auto& argument : entry.arguments) {
+        line += separator + argument.name + "=";
+        if (!argument.text.empty()) line += readable(argument.text);
+        else if (argument.object) std::snprintf(number, sizeof number, "%p", argument.object), line += number;
+        else std::snprintf(number, sizeof number, "%.17g", argument.number), line += number;
+        separator = ", ";
+    }
+    return line + ")\n";
+}
+
+// ---- manager ----------------------------------------------------------------------------------------------------------------
 
 class CaptureManagerObject final : public ObjectOf<MTL::CaptureManager>
 {
 public:
     const char* className() const override { return "MTLCaptureManager"; }
+
+    /// Null, or the reason why capturing does not start.
+    const char* start(const CaptureDescriptorObject& descriptor, NS::Integer& code);
+    void stop();
+    void scopeBegins(const Object* scope);
+    void scopeEnds(const Object* scope);
+    bool capturing();
+
+    std::atomic<bool> supported{supportedFromEnvironment()};
     ObjectRef defaultScope;
+
+private:
+    enum class State { Idle, WaitsForScope, Traces };
+    std::mutex mutex_; // guards what follows
+    State state_ = State::Idle;
+    ObjectRef object_; // what is captured
+    std::ofstream document_;
 };
 
-CaptureManagerObject* shared()
+CaptureManagerObject& shared()
 {
     static auto* manager = new CaptureManagerObject;
-    return manager;
+    return *manager;
+}
+
+const char* CaptureManagerObject::start(const CaptureDescriptorObject& d, NS::Integer& code)
+{
+    std::lock_guard lock(mutex_);
+    code = MTL::CaptureErrorNotSupported;
+    if (!supported || d.destination != MTL::CaptureDestinationGPUTraceDocument) return "Capturing is not supported by this device.";
+    code = MTL::CaptureErrorAlreadyCapturing;
+    if (state_ != State::Idle) return "Something is being captured already.";
+    code = MTL::CaptureErrorInvalidDescriptor;
+    if (!d.captureObject || !d.outputURL) return "The descriptor needs an object to capture and a place for the document.";
+    document_.open(reinterpret_cast<NS::URL*>(d.outputURL.get())->fileSystemRepresentation(), std::ios::trunc);
+    if (!document_) return "The document cannot be written.";
+    object_ = d.captureObject;
+    bool scoped = dynamic_cast<CaptureScopeObject*>(object_.get()) != nullptr;
+    state_ = scoped ? State::WaitsForScope : State::Traces;
+    if (!scoped) inspect::beginTrace();
+    return nullptr;
+}
+
+void CaptureManagerObject::stop()
+{
+    std::lock_guard lock(mutex_);
+    if (state_ == State::Idle) return;
+    document_ << "SoftMetal trace 1\n";
+    if (state_ == State::Traces)
+        for (const auto& entry : inspect::endTrace()) document_ << lineOf(entry);
+    document_.close();
+    object_ = ObjectRef();
+    state_ = State::Idle;
+}
+
+void CaptureManagerObject::scopeBegins(const Object* scope)
+{
+    std::lock_guard lock(mutex_);
+    if (state_ != State::WaitsForScope || object_.get() != scope) return;
+    inspect::beginTrace();
+    state_ = State::Traces;
+}
+
+void CaptureManagerObject::scopeEnds(const Object* scope)
+{
+    bool ends = false;
+    {
+        std::lock_guard lock(mutex_);
+        ends = state_ == State::Traces && object_.get() == scope;
+    }
+    if (ends) stop();
+}
+
+bool CaptureManagerObject::capturing()
+{
+    std::lock_guard lock(mutex_);
+    return state_ != State::Idle;
 }
 
 } // namespace
-} // namespace softmetal
+
+// ---- scopes -----------------------------------------------------------------------------------------------------------------
 
 MTL::Device* MTL::CaptureScope::device() const { return api(cast<CaptureScopeObject>(this)->device.get()); }
 NS::String* MTL::CaptureScope::label() const { return reinterpret_cast<NS::String*>(cast<CaptureScopeObject>(this)->label.get()); }
 void MTL::CaptureScope::setLabel(const NS::String* label) { cast<CaptureScopeObject>(this)->label = ObjectRef(castObject(label)); }
 MTL::CommandQueue* MTL::CaptureScope::commandQueue() const { return reinterpret_cast<MTL::CommandQueue*>(cast<CaptureScopeObject>(this)->queue.get()); }
-void MTL::CaptureScope::beginScope() { inspect::note(this, "beginScope"); }
-void MTL::CaptureScope::endScope() { inspect::note(this, "endScope"); }
+
+void MTL::CaptureScope::beginScope()
+{
+    shared().scopeBegins(castObject(this));
+    inspect::note(this, "beginScope");
+}
+
+void MTL::CaptureScope::endScope()
+{
+    inspect::note(this, "endScope");
+    shared().scopeEnds(castObject(this));
+}
+
+// ---- manager ----------------------------------------------------------------------------------------------------------------
 
 MTL::CaptureManager* MTL::CaptureManager::alloc() { return api(new CaptureManagerObject); }
 MTL::CaptureManager* MTL::CaptureManager::init() { return this; }
-MTL::CaptureManager* MTL::CaptureManager::sharedCaptureManager() { return api(shared()); }
-
-MTL::CaptureScope* MTL::CaptureManager::newCaptureScope(const Device* device)
-{
-    auto* scope = new CaptureScopeObject;
-    scope->device = Ref<DeviceObject>(cast<DeviceObject>(device));
-    return api(scope);
-}
+MTL::CaptureManager* MTL::CaptureManager::sharedCaptureManager() { return api(&shared()); }
+MTL::CaptureScope* MTL::CaptureManager::newCaptureScope(const Device* device) { return api(new CaptureScopeObject(cast<DeviceObject>(device))); }
 
 MTL::CaptureScope* MTL::CaptureManager::newCaptureScope(const CommandQueue* queue)
 {
-    auto* scope = new CaptureScopeObject;
+    auto* scope = new CaptureScopeObject(queue ? cast<DeviceObject>(queue->device()) : nullptr);
     scope->queue = ObjectRef(castObject(queue));
     return api(scope);
 }
 
-bool MTL::CaptureManager::supportsDestination(CaptureDestination) { return false; }
-
-bool MTL::CaptureManager::startCapture(const CaptureDescriptor*, NS::Error** error)
+bool MTL::CaptureManager::supportsDestination(CaptureDestination destination)
 {
-    report(error, "MTLCaptureErrorDomain", CaptureErrorNotSupported, "Capturing is not supported by this device.");
-    return false;
+    return destination == CaptureDestinationGPUTraceDocument && cast<CaptureManagerObject>(this)->supported;
 }
 
+bool MTL::CaptureManager::startCapture(const CaptureDescriptor* descriptor, NS::Error** error)
+{
+    static const CaptureDescriptorObject* empty = new CaptureDescriptorObject;
+    NS::Integer code = 0;
+    const char* why = cast<CaptureManagerObject>(this)->start(descriptor ? *cast<CaptureDescriptorObject>(descriptor) : *empty, code);
+    if (why) report(error, "MTLCaptureErrorDomain", code, why);
+    return !why;
+}
+
+// These mean the developer tools, of which there are none.
 void MTL::CaptureManager::startCapture(const Device*) {}
 void MTL::CaptureManager::startCapture(const CommandQueue*) {}
 void MTL::CaptureManager::startCapture(const CaptureScope*) {}
-void MTL::CaptureManager::stopCapture() {}
-bool MTL::CaptureManager::isCapturing() const { return false; }
+void MTL::CaptureManager::stopCapture() { cast<CaptureManagerObject>(this)->stop(); }
+bool MTL::CaptureManager::isCapturing() const { return cast<CaptureManagerObject>(this)->capturing(); }
 MTL::CaptureScope* MTL::CaptureManager::defaultCaptureScope() const { return reinterpret_cast<CaptureScope*>(cast<CaptureManagerObject>(this)->defaultScope.get()); }
 void MTL::CaptureManager::setDefaultCaptureScope(const CaptureScope* scope) { cast<CaptureManagerObject>(this)->defaultScope = ObjectRef(castObject(scope)); }
+
+namespace SoftMetal {
+
+void setCaptureSupported(bool supported) { shared().supported = supported; }
+
+} // namespace SoftMetal

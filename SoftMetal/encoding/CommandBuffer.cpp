@@ -1,12 +1,26 @@
 // SPDX-License-Identifier: Apache-2.0
+// The life of queues, command buffers and encoders.
 #include "encoding/Commands.h"
 
-#include "foundation/Strings.h"
-#include "inspect/Inspect.h"
-
-using namespace softmetal;
+#include <chrono>
 
 namespace softmetal {
+namespace {
+
+using inspect::require;
+using inspect::Rule;
+
+constexpr size_t MostStorages = 8; // that a queue keeps for use again
+
+double now() { return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count(); }
+
+uint64_t nextSerial()
+{
+    static std::atomic<uint64_t> next{1};
+    return next.fetch_add(1, std::memory_order_relaxed);
+}
+
+} // namespace
 
 const uint8_t* zeroMemory()
 {
@@ -14,13 +28,48 @@ const uint8_t* zeroMemory()
     return zeros->data();
 }
 
-void CommandBufferObject::keep(Object* object)
+// ---- queue ---------------------------------------------------------------------------------------------------------------
+
+std::unique_ptr<CommandStorage> CommandQueueObject::enter()
 {
-    // The same few objects are bound again and again: looking at the latest ones catches nearly all of them.
-    size_t count = kept_.size();
-    for (size_t i = 0; i < 8 && i < count; ++i)
-        if (kept_[count - 1 - i].get() == object) return;
-    if (object) kept_.emplace_back(object);
+    std::unique_lock lock(mutex_);
+    // The queue's own thread would wait for itself.
+    if (!executor->isOwnThread()) left_.wait(lock, [this] { return alive_ < limit_ || underWay_ == 0; });
+    if (alive_ >= limit_ && underWay_ == 0) require(false, Rule::QueueExhausted, *this, alive_, limit_);
+    ++alive_;
+    if (free_.empty()) return std::make_unique<CommandStorage>();
+    auto storage = std::move(free_.back());
+    free_.pop_back();
+    return storage;
+}
+
+void CommandQueueObject::leave(std::unique_ptr<CommandStorage> storage, bool wasCommitted)
+{
+    {
+        std::lock_guard lock(mutex_);
+        --alive_;
+        if (wasCommitted) --underWay_;
+        if (free_.size() < MostStorages) free_.push_back(std::move(storage));
+    }
+    left_.notify_all();
+}
+
+void CommandQueueObject::noteCommitted()
+{
+    std::lock_guard lock(mutex_);
+    ++underWay_;
+}
+
+// ---- command buffer --------------------------------------------------------------------------------------------------------
+
+CommandBufferObject::CommandBufferObject(CommandQueueObject* owner) : Labelled(owner->device.get()), queue(owner), storage(owner->enter()), serial_(nextSerial()) {}
+
+CommandBufferObject::~CommandBufferObject()
+{
+    if (!storage) return; // it has run
+    if (enqueued) queue->executor->forget(this);
+    storage->reset();
+    queue->leave(std::move(storage), false);
 }
 
 MTL::CommandBufferStatus CommandBufferObject::status()
@@ -33,150 +82,106 @@ void CommandBufferObject::setStatus(MTL::CommandBufferStatus value)
 {
     {
         std::lock_guard lock(mutex_);
-        status_ = value;
+        if (status_ < value) status_ = value;
     }
     changed_.notify_all();
 }
 
-void CommandBufferObject::fail(const std::string& why) { failure = why; }
+CommandBufferObject::Times CommandBufferObject::times()
+{
+    std::lock_guard lock(mutex_);
+    return times_;
+}
+
+std::string CommandBufferObject::failure()
+{
+    std::lock_guard lock(mutex_);
+    return failure_;
+}
 
 void CommandBufferObject::waitFor(MTL::CommandBufferStatus wanted)
 {
+    // A handler runs on the queue's thread and would wait for itself.
+    bool own = queue->executor->isOwnThread();
     std::unique_lock lock(mutex_);
-    changed_.wait(lock, [&] { return status_ >= wanted; });
+    changed_.wait(lock, [&] { return status_ >= wanted && (wanted < MTL::CommandBufferStatusCompleted || settled_ || own); });
 }
 
-void CommandBufferObject::complete()
+void CommandBufferObject::enqueue()
 {
-    records.clear();
-    arena = Arena();
-    kept_.clear();
-    setStatus(failure.empty() ? MTL::CommandBufferStatusCompleted : MTL::CommandBufferStatusError);
+    if (enqueued) return;
+    enqueued = true;
+    setStatus(MTL::CommandBufferStatusEnqueued);
+    queue->executor->reserve(this);
+}
+
+void CommandBufferObject::commit()
+{
+    if (openEncoder) openEncoder->abandon();
+    enqueue();
+    committed = true;
+    {
+        std::lock_guard lock(mutex_);
+        times_.kernelStart = now();
+    }
+    setStatus(MTL::CommandBufferStatusCommitted);
+    queue->noteCommitted();
+    Ref<CommandQueueObject> alive = queue; // submitting may end the last other reference
+    alive->executor->submit(Ref<CommandBufferObject>(this));
+}
+
+void CommandBufferObject::start()
+{
+    {
+        std::lock_guard lock(mutex_);
+        times_.kernelEnd = times_.start = now();
+    }
+    setStatus(MTL::CommandBufferStatusScheduled);
+    for (const auto& handler : scheduledHandlers) handler(api(this));
+    scheduledHandlers.clear();
+}
+
+void CommandBufferObject::complete(const std::string& why)
+{
+    storage->reset();
+    queue->leave(std::move(storage), true);
+    {
+        std::lock_guard lock(mutex_);
+        times_.end = now();
+        failure_ = why;
+        status_ = why.empty() ? MTL::CommandBufferStatusCompleted : MTL::CommandBufferStatusError;
+    }
+    changed_.notify_all();
     for (const auto& handler : completedHandlers) handler(api(this));
+    completedHandlers.clear();
+    {
+        std::lock_guard lock(mutex_);
+        settled_ = true;
+    }
+    changed_.notify_all();
+}
+
+// ---- encoders ----------------------------------------------------------------------------------------------------------------
+
+void Encoder::end()
+{
+    handOver();
+    ended = true;
+    commands->openEncoder = nullptr;
+}
+
+void Encoder::abandon()
+{
+    drop();
+    ended = true;
+    commands->openEncoder = nullptr;
+}
+
+void Encoder::releaseOpen()
+{
+    if (ended) return;
+    require(false, Rule::EncoderReleasedOpen, described());
+    abandon();
 }
 
 } // namespace softmetal
-
-// ---- queue ---------------------------------------------------------------------------------------------------------------
-
-NS::String* MTL::CommandQueue::label() const { return reinterpret_cast<NS::String*>(cast<CommandQueueObject>(this)->label.get()); }
-void MTL::CommandQueue::setLabel(const NS::String* label) { cast<CommandQueueObject>(this)->label = ObjectRef(castObject(label)); }
-MTL::Device* MTL::CommandQueue::device() const { return api(cast<CommandQueueObject>(this)->device.get()); }
-
-MTL::CommandBuffer* MTL::CommandQueue::commandBuffer()
-{
-    MTL::CommandBuffer* result = autoreleased(new CommandBufferObject(cast<CommandQueueObject>(this)));
-    inspect::note(this, "commandBuffer", inspect::arg("result", static_cast<const void*>(result)));
-    return result;
-}
-
-MTL::CommandBuffer* MTL::CommandQueue::commandBufferWithUnretainedReferences() { return commandBuffer(); }
-
-// ---- command buffer --------------------------------------------------------------------------------------------------------
-
-NS::String* MTL::CommandBuffer::label() const { return reinterpret_cast<NS::String*>(cast<CommandBufferObject>(this)->label.get()); }
-void MTL::CommandBuffer::setLabel(const NS::String* label) { cast<CommandBufferObject>(this)->label = ObjectRef(castObject(label)); }
-MTL::Device* MTL::CommandBuffer::device() const { return api(cast<CommandBufferObject>(this)->device.get()); }
-MTL::CommandQueue* MTL::CommandBuffer::commandQueue() const { return api(cast<CommandBufferObject>(this)->queue.get()); }
-bool MTL::CommandBuffer::retainedReferences() const { return true; }
-MTL::CommandBufferStatus MTL::CommandBuffer::status() const { return cast<CommandBufferObject>(this)->status(); }
-CFTimeInterval MTL::CommandBuffer::GPUStartTime() const { return cast<CommandBufferObject>(this)->startTime; }
-CFTimeInterval MTL::CommandBuffer::GPUEndTime() const { return cast<CommandBufferObject>(this)->endTime; }
-
-NS::Error* MTL::CommandBuffer::error() const
-{
-    auto& buffer = *cast<CommandBufferObject>(this);
-    if (buffer.status() != CommandBufferStatusError) return nullptr;
-    return newError("MTLCommandBufferErrorDomain", CommandBufferErrorInternal, buffer.failure)->autorelease();
-}
-
-void MTL::CommandBuffer::addScheduledHandler(const HandlerFunction& function)
-{
-    auto& buffer = *cast<CommandBufferObject>(this);
-    if (inspect::require(!buffer.committed, "commands.handler", "addScheduledHandler: the command buffer has been committed")) buffer.scheduledHandlers.push_back(function);
-}
-
-void MTL::CommandBuffer::addCompletedHandler(const HandlerFunction& function)
-{
-    auto& buffer = *cast<CommandBufferObject>(this);
-    if (inspect::require(!buffer.committed, "commands.handler", "addCompletedHandler: the command buffer has been committed")) buffer.completedHandlers.push_back(function);
-}
-
-void MTL::CommandBuffer::enqueue()
-{
-    auto& buffer = *cast<CommandBufferObject>(this);
-    if (!buffer.committed) buffer.setStatus(CommandBufferStatusEnqueued);
-}
-
-void MTL::CommandBuffer::commit()
-{
-    auto& buffer = *cast<CommandBufferObject>(this);
-    inspect::note(this, "commit");
-    if (!inspect::require(!buffer.committed, "commands.commit-twice", "commit: the command buffer has been committed before")) return;
-    inspect::require(!buffer.openEncoder, "commands.open-encoder", "commit: an encoder of the command buffer has not ended");
-    buffer.committed = true;
-    buffer.setStatus(CommandBufferStatusScheduled);
-    for (const auto& handler : buffer.scheduledHandlers) handler(this);
-    buffer.queue->executor->submit(Ref<CommandBufferObject>(&buffer));
-}
-
-void MTL::CommandBuffer::waitUntilScheduled()
-{
-    inspect::note(this, "waitUntilScheduled");
-    auto& buffer = *cast<CommandBufferObject>(this);
-    if (inspect::require(buffer.committed, "commands.wait", "waitUntilScheduled: the command buffer has not been committed")) buffer.waitFor(CommandBufferStatusScheduled);
-}
-
-void MTL::CommandBuffer::waitUntilCompleted()
-{
-    inspect::note(this, "waitUntilCompleted");
-    auto& buffer = *cast<CommandBufferObject>(this);
-    if (inspect::require(buffer.committed, "commands.wait", "waitUntilCompleted: the command buffer has not been committed")) buffer.waitFor(CommandBufferStatusCompleted);
-}
-
-void MTL::CommandBuffer::pushDebugGroup(const NS::String* string) { inspect::note(this, "pushDebugGroup", inspect::arg("name", textOf(string))); }
-void MTL::CommandBuffer::popDebugGroup() { inspect::note(this, "popDebugGroup"); }
-
-namespace {
-
-bool mayEncode(const CommandBufferObject& buffer, const char* committed, const char* open)
-{
-    return inspect::require(!buffer.committed, "commands.committed", committed) && inspect::require(!buffer.openEncoder, "commands.two-encoders", open);
-}
-
-} // namespace
-
-MTL::BlitCommandEncoder* MTL::CommandBuffer::blitCommandEncoder()
-{
-    auto& buffer = *cast<CommandBufferObject>(this);
-    if (!mayEncode(buffer, "blitCommandEncoder: the command buffer has been committed", "blitCommandEncoder: another encoder of the command buffer has not ended"))
-        return nullptr;
-    auto* encoder = new BlitEncoderObject(&buffer);
-    buffer.openEncoder = encoder;
-    inspect::note(this, "blitCommandEncoder", inspect::arg("result", static_cast<const void*>(api(encoder))));
-    return autoreleased(encoder);
-}
-
-MTL::RenderCommandEncoder* MTL::CommandBuffer::renderCommandEncoder(const RenderPassDescriptor* pass)
-{
-    auto& buffer = *cast<CommandBufferObject>(this);
-    if (!pass || !mayEncode(buffer, "renderCommandEncoder: the command buffer has been committed",
-                            "renderCommandEncoder: another encoder of the command buffer has not ended"))
-        return nullptr;
-    auto* encoder = new RenderEncoderObject(&buffer, *cast<RenderPassDescriptorObject>(pass));
-    buffer.openEncoder = encoder;
-    return autoreleased(encoder);
-}
-
-void MTL::CommandBuffer::presentDrawable(const Drawable* drawable)
-{
-    inspect::note(this, "presentDrawable", inspect::arg("drawable", static_cast<const void*>(drawable)));
-    auto& buffer = *cast<CommandBufferObject>(this);
-    if (!drawable || !inspect::require(!buffer.committed, "commands.committed", "presentDrawable: the command buffer has been committed")) return;
-    softmetal::Object* object = castObject(drawable);
-    buffer.keep(object);
-    buffer.records.emplace_back(PresentRecord{dynamic_cast<Presentable*>(object)});
-}
-
-void MTL::CommandBuffer::presentDrawableAtTime(const Drawable* drawable, CFTimeInterval) { presentDrawable(drawable); }
-void MTL::CommandBuffer::presentDrawableAfterMinimumDuration(const Drawable* drawable, CFTimeInterval) { presentDrawable(drawable); }

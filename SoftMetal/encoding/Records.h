@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// What a command buffer holds between encoding and execution: plain records in API order.
+// What a command buffer holds between encoding and execution: plain records in API order, and the memory they lie in.
 #pragma once
 
 #include "objects/Resources.h"
@@ -14,14 +14,15 @@ namespace softmetal {
 
 struct DrawRecord
 {
-    raster::DrawState state; // its resource tables lie in the command buffer's arena
+    raster::DrawState state; // its resource tables lie in the arena
     raster::DrawCall call;
 };
 
+/// A render pass; its draws follow one another in CommandStorage::draws.
 struct PassRecord
 {
     raster::PassDescription description;
-    std::vector<DrawRecord> draws;
+    size_t firstDraw = 0, drawCount = 0;
 };
 
 struct CopyTextureRecord
@@ -62,6 +63,8 @@ struct MipmapRecord
     const abi::Texture* texture;
 };
 
+using Record = std::variant<PassRecord, CopyTextureRecord, CopyMemoryRecord, CopyBufferRecord, FillRecord, MipmapRecord>;
+
 /// What presentation asks of a drawable; the window room implements it.
 class Presentable
 {
@@ -70,34 +73,54 @@ public:
     virtual void presentNow() = 0;
 };
 
-struct PresentRecord
-{
-    Presentable* drawable;
-};
-
-using Record = std::variant<PassRecord, CopyTextureRecord, CopyMemoryRecord, CopyBufferRecord, FillRecord, MipmapRecord, PresentRecord>;
-
-/// Memory for inline bytes and resource tables; grows in chunks and is freed as a whole.
+/// Memory for inline bytes and resource tables. Grows in chunks, which are used again after reset().
 class Arena
 {
 public:
     void* allocate(size_t bytes)
     {
-        constexpr size_t Chunk = 256 * 1024;
         bytes = (bytes + 63) & ~size_t{63};
-        if (chunks_.empty() || used_ + bytes > size_) {
-            size_ = bytes > Chunk ? bytes : Chunk;
-            chunks_.push_back(std::make_unique<Memory>(size_));
+        if (bytes > ChunkBytes) return large_.emplace_back(std::make_unique<Memory>(bytes))->data();
+        if (chunks_.empty() || used_ + bytes > ChunkBytes) {
+            if (!chunks_.empty()) ++current_;
+            if (current_ == chunks_.size()) chunks_.push_back(std::make_unique<Memory>(ChunkBytes));
             used_ = 0;
         }
-        void* result = chunks_.back()->data() + used_;
+        void* result = chunks_[current_]->data() + used_;
         used_ += bytes;
         return result;
     }
 
+    void reset()
+    {
+        large_.clear();
+        if (chunks_.size() > MostKept) chunks_.resize(MostKept);
+        current_ = used_ = 0;
+    }
+
 private:
-    std::vector<std::unique_ptr<Memory>> chunks_;
-    size_t used_ = 0, size_ = 0;
+    static constexpr size_t ChunkBytes = 256 * 1024, MostKept = 32;
+    std::vector<std::unique_ptr<Memory>> chunks_, large_;
+    size_t current_ = 0, used_ = 0; // chunk being filled, and how far
+};
+
+/// All that a command buffer has been given. Passed from one command buffer to the next with its memory.
+struct CommandStorage
+{
+    Arena arena;
+    std::vector<Record> records;
+    std::vector<DrawRecord> draws;
+    std::vector<Presentable*> presents; // shown once everything else is done
+    std::vector<ObjectRef> kept;        // alive until then
+
+    void reset()
+    {
+        records.clear();
+        draws.clear();
+        presents.clear();
+        kept.clear();
+        arena.reset();
+    }
 };
 
 } // namespace softmetal

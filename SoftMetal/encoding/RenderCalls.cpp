@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-// Metal's calls on encoders in general and on render encoders.
+// Metal's calls on render encoders that set state and draw.
 #include "encoding/Commands.h"
-#include "foundation/Strings.h"
-#include "inspect/Inspect.h"
 
 #include <algorithm>
-#include <cstring>
+#include <cmath>
 
 using namespace softmetal;
 
@@ -13,8 +11,10 @@ namespace {
 
 using inspect::arg;
 using inspect::note;
+using inspect::require;
+using inspect::Rule;
 
-double number(auto value) { return static_cast<double>(value); }
+constexpr NS::UInteger MostVertices = 0xFFFFFFFF;
 
 RenderEncoderObject* opened(const MTL::RenderCommandEncoder* encoder, const char* call)
 {
@@ -22,128 +22,14 @@ RenderEncoderObject* opened(const MTL::RenderCommandEncoder* encoder, const char
     return object->open(call) ? object : nullptr;
 }
 
-bool indexInRange(NS::UInteger index, NS::UInteger limit, const char* call)
+bool countable(std::initializer_list<NS::UInteger> values, const char* call)
 {
-    if (index < limit) return true;
-    inspect::report("bind.index", std::string(call) + ": the index (" + std::to_string(index) + ") is beyond the last (" + std::to_string(limit - 1) + ")");
-    return false;
-}
-
-void bindBytes(RenderEncoderObject& encoder, StageBindings& stage, const void* bytes, NS::UInteger length, NS::UInteger index, const char* call)
-{
-    if (!bytes || !indexInRange(index, abi::MaxBuffers, call)) return;
-    if (length > 4096) inspect::report("bind.bytes", std::string(call) + ": the length (" + std::to_string(length) + ") is over 4096 bytes");
-    // Bytes equal to those already bound need no new copy.
-    if (stage.inlineLength[index] == length && std::memcmp(stage.table.buffers[index], bytes, length) == 0) return;
-    auto* copy = static_cast<uint8_t*>(encoder.commands->arena.allocate(length));
-    std::memcpy(copy, bytes, length);
-    stage.table.buffers[index] = copy;
-    stage.table.bufferLengths[index] = length;
-    stage.inlineLength[index] = static_cast<uint32_t>(length);
-    stage.snapshot = nullptr;
-}
-
-void bindBuffer(RenderEncoderObject& encoder, StageBindings& stage, const MTL::Buffer* buffer, NS::UInteger offset, NS::UInteger index, const char* call)
-{
-    if (!indexInRange(index, abi::MaxBuffers, call)) return;
-    const uint8_t* data = zeroMemory();
-    uint64_t length = 0;
-    if (auto* object = cast<BufferObject>(buffer)) {
-        if (!inspect::require(offset <= object->length, "bind.offset", "setBuffer: the offset lies beyond the end of the buffer")) offset = object->length;
-        encoder.commands->keep(object);
-        data = object->memory.data() + offset;
-        length = object->length - offset;
-    }
-    if (stage.table.buffers[index] == data && stage.table.bufferLengths[index] == length) return;
-    stage.table.buffers[index] = data;
-    stage.table.bufferLengths[index] = length;
-    stage.inlineLength[index] = 0;
-    stage.snapshot = nullptr;
-}
-
-void bindTexture(RenderEncoderObject& encoder, StageBindings& stage, const MTL::Texture* texture, NS::UInteger index, const char* call)
-{
-    if (!indexInRange(index, abi::MaxTextures, call)) return;
-    auto* object = cast<TextureObject>(texture);
-    const abi::Texture* view = object ? &object->view : nullptr;
-    if (stage.table.textures[index] == view) return;
-    if (object) {
-        encoder.commands->keep(object);
-        bool readable = object->description.usage == MTL::TextureUsageUnknown || (object->description.usage & MTL::TextureUsageShaderRead) != 0;
-        inspect::require(readable, "bind.texture-usage", "setTexture: the texture has no shader read usage");
-    }
-    stage.table.textures[index] = view;
-    stage.snapshot = nullptr;
-}
-
-void bindSampler(RenderEncoderObject& encoder, StageBindings& stage, const MTL::SamplerState* sampler, NS::UInteger index, const char* call)
-{
-    if (!indexInRange(index, abi::MaxSamplers, call)) return;
-    auto* object = cast<SamplerStateObject>(sampler);
-    const abi::Sampler* state = object ? &object->state : nullptr;
-    if (stage.table.samplers[index] == state) return;
-    if (object) encoder.commands->keep(object);
-    stage.table.samplers[index] = state;
-    stage.snapshot = nullptr;
-}
-
-void noteBuffer(const void* encoder, const char* call, const void* buffer, NS::UInteger offset, NS::UInteger index)
-{
-    note(encoder, call, arg("buffer", buffer), arg("offset", number(offset)), arg("index", number(index)));
-}
-
-void noteBytes(const void* encoder, const char* call, const void* bytes, NS::UInteger length, NS::UInteger index)
-{
-    if (inspect::logging())
-        note(encoder, call, arg("length", number(length)), arg("index", number(index)), arg("bytes", std::string(static_cast<const char*>(bytes), length)));
+    for (NS::UInteger value : values)
+        if (!require(value <= MostVertices, Rule::DrawCount, call, value)) return false;
+    return true;
 }
 
 } // namespace
-
-// ---- any encoder ------------------------------------------------------------------------------------------------------------
-
-namespace {
-
-/// Calls that render and blit encoders share.
-template <class Function>
-auto withEncoder(const MTL::CommandEncoder* encoder, Function function)
-{
-    Object* object = castObject(encoder);
-    if (auto* render = dynamic_cast<RenderEncoderObject*>(object)) return function(*render);
-    return function(*static_cast<BlitEncoderObject*>(object));
-}
-
-} // namespace
-
-MTL::Device* MTL::CommandEncoder::device() const
-{
-    return withEncoder(this, [](auto& e) { return api(e.device.get()); });
-}
-
-NS::String* MTL::CommandEncoder::label() const
-{
-    return withEncoder(this, [](auto& e) { return reinterpret_cast<NS::String*>(e.label.get()); });
-}
-
-void MTL::CommandEncoder::setLabel(const NS::String* label)
-{
-    withEncoder(this, [&](auto& e) { e.label = ObjectRef(castObject(label)); });
-}
-
-void MTL::CommandEncoder::endEncoding()
-{
-    note(this, "endEncoding");
-    withEncoder(this, [](auto& e) {
-        if (!e.open("endEncoding")) return;
-        e.ended = true;
-        e.commands->openEncoder = nullptr;
-        if constexpr (std::is_same_v<std::decay_t<decltype(e)>, RenderEncoderObject>) e.commands->records.emplace_back(std::move(e.record));
-    });
-}
-
-void MTL::CommandEncoder::insertDebugSignpost(const NS::String* string) { note(this, "insertDebugSignpost", arg("name", textOf(string))); }
-void MTL::CommandEncoder::pushDebugGroup(const NS::String* string) { note(this, "pushDebugGroup", arg("name", textOf(string))); }
-void MTL::CommandEncoder::popDebugGroup() { note(this, "popDebugGroup"); }
 
 // ---- fixed state --------------------------------------------------------------------------------------------------------------
 
@@ -151,10 +37,14 @@ void MTL::RenderCommandEncoder::setRenderPipelineState(const RenderPipelineState
 {
     note(this, "setRenderPipelineState", arg("state", static_cast<const void*>(pipelineState)));
     auto* e = opened(this, "setRenderPipelineState");
-    if (!e || !inspect::require(pipelineState != nullptr, "encoder.nil-pipeline", "setRenderPipelineState: the state must not be nil")) return;
-    e->pipeline = cast<RenderPipelineStateObject>(pipelineState);
-    e->commands->keep(e->pipeline);
-    e->state.pipeline = &e->pipeline->pipeline;
+    if (!e || !require(pipelineState != nullptr, Rule::EncoderNilPipeline, *e)) return;
+    auto* pipeline = cast<RenderPipelineStateObject>(pipelineState);
+    require(pipeline->device.get() == e->device.get(), Rule::EncoderOtherDevice, "setRenderPipelineState", *pipeline);
+    if (e->pipeline == pipeline) return;
+    e->pipeline = pipeline;
+    e->commands->keep(pipeline);
+    e->state.pipeline = &pipeline->pipeline;
+    e->mustCheck = true;
 }
 
 void MTL::RenderCommandEncoder::setDepthStencilState(const DepthStencilState* state)
@@ -162,19 +52,20 @@ void MTL::RenderCommandEncoder::setDepthStencilState(const DepthStencilState* st
     note(this, "setDepthStencilState", arg("state", static_cast<const void*>(state)));
     auto* e = opened(this, "setDepthStencilState");
     if (!e) return;
+    // The state is copied into each draw, so that the object itself need not be kept.
     e->state.depthStencil = state ? cast<DepthStencilStateObject>(state)->state : raster::DepthStencil();
-    e->commands->keep(castObject(state));
+    e->mustCheck = true;
 }
 
 void MTL::RenderCommandEncoder::setStencilReferenceValue(uint32_t value)
 {
-    note(this, "setStencilReferenceValue", arg("value", number(value)));
+    note(this, "setStencilReferenceValue", arg("value", value));
     if (auto* e = opened(this, "setStencilReferenceValue")) e->state.stencilReferenceFront = e->state.stencilReferenceBack = value;
 }
 
 void MTL::RenderCommandEncoder::setStencilReferenceValues(uint32_t front, uint32_t back)
 {
-    note(this, "setStencilReferenceValues", arg("front", number(front)), arg("back", number(back)));
+    note(this, "setStencilReferenceValues", arg("front", front), arg("back", back));
     auto* e = opened(this, "setStencilReferenceValues");
     if (!e) return;
     e->state.stencilReferenceFront = front;
@@ -185,60 +76,66 @@ void MTL::RenderCommandEncoder::setViewport(Viewport v)
 {
     note(this, "setViewport", arg("originX", v.originX), arg("originY", v.originY), arg("width", v.width), arg("height", v.height), arg("znear", v.znear), arg("zfar", v.zfar));
     auto* e = opened(this, "setViewport");
-    if (!e) return;
     const double values[6] = {v.originX, v.originY, v.width, v.height, v.znear, v.zfar};
-    std::copy(values, values + 6, e->state.viewport);
+    bool finite = std::all_of(values, values + 6, [](double value) { return std::isfinite(value); });
+    if (e && require(finite, Rule::EncoderViewport, *e)) std::copy(values, values + 6, e->state.viewport);
 }
 
 void MTL::RenderCommandEncoder::setViewports(const Viewport* viewports, NS::UInteger count)
 {
-    if (inspect::require(count > 0, "encoder.no-viewport", "setViewports: there must be at least one viewport")) setViewport(viewports[0]);
+    auto* e = opened(this, "setViewports");
+    if (!e) return;
+    require(count == 1, Rule::EncoderNoViewport, *e, count);
+    if (count > 0 && viewports) setViewport(viewports[0]);
 }
 
 void MTL::RenderCommandEncoder::setScissorRect(ScissorRect rect)
 {
-    note(this, "setScissorRect", arg("x", number(rect.x)), arg("y", number(rect.y)), arg("width", number(rect.width)), arg("height", number(rect.height)));
+    note(this, "setScissorRect", arg("x", rect.x), arg("y", rect.y), arg("width", rect.width), arg("height", rect.height));
     auto* e = opened(this, "setScissorRect");
     if (!e) return;
     const auto& pass = e->record.description;
-    bool inside = rect.x + rect.width <= pass.width && rect.y + rect.height <= pass.height;
-    inspect::require(inside, "encoder.scissor", "setScissorRect: the rectangle must lie within the render pass");
+    bool inside = rect.x <= pass.width && rect.width <= pass.width - rect.x && rect.y <= pass.height && rect.height <= pass.height - rect.y;
+    require(inside, Rule::EncoderScissor, rect.x, rect.y, rect.width, rect.height, pass.width, pass.height);
     const NS::UInteger values[4] = {rect.x, rect.y, rect.width, rect.height};
     for (int i = 0; i < 4; ++i) e->state.scissor[i] = static_cast<uint32_t>(std::min<NS::UInteger>(values[i], 0xFFFFFFFF));
 }
 
 void MTL::RenderCommandEncoder::setScissorRects(const ScissorRect* rects, NS::UInteger count)
 {
-    if (inspect::require(count > 0, "encoder.no-scissor", "setScissorRects: there must be at least one rectangle")) setScissorRect(rects[0]);
+    auto* e = opened(this, "setScissorRects");
+    if (!e) return;
+    require(count == 1, Rule::EncoderNoScissor, *e, count);
+    if (count > 0 && rects) setScissorRect(rects[0]);
 }
 
 void MTL::RenderCommandEncoder::setFrontFacingWinding(Winding winding)
 {
-    note(this, "setFrontFacingWinding", arg("winding", number(winding)));
+    note(this, "setFrontFacingWinding", arg("winding", winding));
     if (auto* e = opened(this, "setFrontFacingWinding")) e->state.winding = static_cast<uint8_t>(winding);
 }
 
 void MTL::RenderCommandEncoder::setCullMode(CullMode mode)
 {
-    note(this, "setCullMode", arg("mode", number(mode)));
+    note(this, "setCullMode", arg("mode", mode));
     if (auto* e = opened(this, "setCullMode")) e->state.cullMode = static_cast<uint8_t>(mode);
 }
 
 void MTL::RenderCommandEncoder::setDepthClipMode(DepthClipMode mode)
 {
-    note(this, "setDepthClipMode", arg("mode", number(mode)));
+    note(this, "setDepthClipMode", arg("mode", mode));
     if (auto* e = opened(this, "setDepthClipMode")) e->state.depthClipMode = static_cast<uint8_t>(mode);
 }
 
 void MTL::RenderCommandEncoder::setTriangleFillMode(TriangleFillMode mode)
 {
-    note(this, "setTriangleFillMode", arg("mode", number(mode)));
+    note(this, "setTriangleFillMode", arg("mode", mode));
     if (auto* e = opened(this, "setTriangleFillMode")) e->state.fillMode = static_cast<uint8_t>(mode);
 }
 
 void MTL::RenderCommandEncoder::setDepthBias(float bias, float slopeScale, float clamp)
 {
-    note(this, "setDepthBias", arg("bias", number(bias)), arg("slope", number(slopeScale)), arg("clamp", number(clamp)));
+    note(this, "setDepthBias", arg("bias", bias), arg("slope", slopeScale), arg("clamp", clamp));
     auto* e = opened(this, "setDepthBias");
     if (!e) return;
     e->state.depthBias = bias;
@@ -248,7 +145,7 @@ void MTL::RenderCommandEncoder::setDepthBias(float bias, float slopeScale, float
 
 void MTL::RenderCommandEncoder::setBlendColor(float red, float green, float blue, float alpha)
 {
-    note(this, "setBlendColor", arg("red", number(red)), arg("green", number(green)), arg("blue", number(blue)), arg("alpha", number(alpha)));
+    note(this, "setBlendColor", arg("red", red), arg("green", green), arg("blue", blue), arg("alpha", alpha));
     auto* e = opened(this, "setBlendColor");
     if (!e) return;
     const float values[4] = {red, green, blue, alpha};
@@ -257,123 +154,61 @@ void MTL::RenderCommandEncoder::setBlendColor(float red, float green, float blue
 
 void MTL::RenderCommandEncoder::setVisibilityResultMode(VisibilityResultMode mode, NS::UInteger offset)
 {
-    note(this, "setVisibilityResultMode", arg("mode", number(mode)), arg("offset", number(offset)));
+    note(this, "setVisibilityResultMode", arg("mode", mode), arg("offset", offset));
     auto* e = opened(this, "setVisibilityResultMode");
     if (!e) return;
-    inspect::require(offset % 8 == 0, "encoder.visibility-offset", "setVisibilityResultMode: the offset must be a multiple of 8");
-    e->state.visibilityMode = static_cast<uint8_t>(mode);
-    e->state.visibilityIndex = offset / 8;
+    const auto& pass = e->record.description;
+    bool off = mode == VisibilityResultModeDisabled;
+    bool usable = off || (require(pass.visibility != nullptr, Rule::EncoderVisibilityBuffer, *e) && require(offset % 8 == 0, Rule::EncoderVisibilityOffset, offset) &&
+                          require(offset / 8 < pass.visibilityCount, Rule::EncoderVisibilityRange, offset, pass.visibilityCount * 8));
+    e->state.visibilityMode = usable ? static_cast<uint8_t>(mode) : uint8_t{0};
+    e->state.visibilityIndex = usable ? offset / 8 : 0;
 }
 
-void MTL::RenderCommandEncoder::setColorStoreAction(StoreAction, NS::UInteger) {}
-void MTL::RenderCommandEncoder::setDepthStoreAction(StoreAction) {}
-void MTL::RenderCommandEncoder::setStencilStoreAction(StoreAction) {}
-void MTL::RenderCommandEncoder::textureBarrier() {}
-void MTL::RenderCommandEncoder::updateFence(const Fence* fence, RenderStages) { inspect::require(fence != nullptr, "encoder.nil-fence", "updateFence: the fence must not be nil"); }
-void MTL::RenderCommandEncoder::waitForFence(const Fence* fence, RenderStages) { inspect::require(fence != nullptr, "encoder.nil-fence", "waitForFence: the fence must not be nil"); }
+// Attachments are stored whatever is asked for here: the actions save a processor's memory nothing.
+void MTL::RenderCommandEncoder::setColorStoreAction(StoreAction action, NS::UInteger index) { note(this, "setColorStoreAction", arg("action", action), arg("index", index)); }
+void MTL::RenderCommandEncoder::setDepthStoreAction(StoreAction action) { note(this, "setDepthStoreAction", arg("action", action)); }
+void MTL::RenderCommandEncoder::setStencilStoreAction(StoreAction action) { note(this, "setStencilStoreAction", arg("action", action)); }
+void MTL::RenderCommandEncoder::textureBarrier() { note(this, "textureBarrier"); }
 
-// ---- vertex stage ----------------------------------------------------------------------------------------------------------
+// Passes run one after the other, and every resource can be reached from every shader: there is nothing to wait for.
+void MTL::RenderCommandEncoder::memoryBarrier(BarrierScope scope, RenderStages, RenderStages) { note(this, "memoryBarrier", arg("scope", scope)); }
+void MTL::RenderCommandEncoder::memoryBarrier(const Resource* const[], NS::UInteger count, RenderStages, RenderStages) { note(this, "memoryBarrier", arg("count", count)); }
 
-void MTL::RenderCommandEncoder::setVertexBytes(const void* bytes, NS::UInteger length, NS::UInteger index)
+void MTL::RenderCommandEncoder::useResource(const Resource* resource, ResourceUsage usage)
 {
-    noteBytes(this, "setVertexBytes", bytes, length, index);
-    if (auto* e = opened(this, "setVertexBytes")) bindBytes(*e, e->vertex, bytes, length, index, "setVertexBytes");
+    note(this, "useResource", arg("resource", static_cast<const void*>(resource)), arg("usage", usage));
+    auto* e = cast<RenderEncoderObject>(this);
+    if (e->open("useResource") && resource) e->commands->storage->kept.emplace_back(castObject(resource));
 }
 
-void MTL::RenderCommandEncoder::setVertexBuffer(const Buffer* buffer, NS::UInteger offset, NS::UInteger index)
+void MTL::RenderCommandEncoder::useResources(const Resource* const resources[], NS::UInteger count, ResourceUsage usage)
 {
-    noteBuffer(this, "setVertexBuffer", buffer, offset, index);
-    if (auto* e = opened(this, "setVertexBuffer")) bindBuffer(*e, e->vertex, buffer, offset, index, "setVertexBuffer");
+    for (NS::UInteger i = 0; i < count; ++i)
+        useResource(resources[i], usage);
 }
 
-void MTL::RenderCommandEncoder::setVertexBuffers(const Buffer* const buffers[], const NS::UInteger offsets[], NS::Range range)
-{
-    for (NS::UInteger i = 0; i < range.length; ++i) setVertexBuffer(buffers[i], offsets[i], range.location + i);
-}
+void MTL::RenderCommandEncoder::useResource(const Resource* resource, ResourceUsage usage, RenderStages) { useResource(resource, usage); }
+void MTL::RenderCommandEncoder::useResources(const Resource* const resources[], NS::UInteger count, ResourceUsage usage, RenderStages) { useResources(resources, count, usage); }
 
-void MTL::RenderCommandEncoder::setVertexTexture(const Texture* texture, NS::UInteger index)
-{
-    note(this, "setVertexTexture", arg("texture", static_cast<const void*>(texture)), arg("index", number(index)));
-    if (auto* e = opened(this, "setVertexTexture")) bindTexture(*e, e->vertex, texture, index, "setVertexTexture");
-}
-
-void MTL::RenderCommandEncoder::setVertexTextures(const Texture* const textures[], NS::Range range)
-{
-    note(this, "setVertexTextures", arg("location", number(range.location)), arg("length", number(range.length)));
-    auto* e = opened(this, "setVertexTextures");
-    for (NS::UInteger i = 0; e && i < range.length; ++i) bindTexture(*e, e->vertex, textures[i], range.location + i, "setVertexTextures");
-}
-
-void MTL::RenderCommandEncoder::setVertexSamplerState(const SamplerState* sampler, NS::UInteger index)
-{
-    note(this, "setVertexSamplerState", arg("sampler", static_cast<const void*>(sampler)), arg("index", number(index)));
-    if (auto* e = opened(this, "setVertexSamplerState")) bindSampler(*e, e->vertex, sampler, index, "setVertexSamplerState");
-}
-
-void MTL::RenderCommandEncoder::setVertexSamplerStates(const SamplerState* const samplers[], NS::Range range)
-{
-    note(this, "setVertexSamplerStates", arg("location", number(range.location)), arg("length", number(range.length)));
-    auto* e = opened(this, "setVertexSamplerStates");
-    for (NS::UInteger i = 0; e && i < range.length; ++i) bindSampler(*e, e->vertex, samplers[i], range.location + i, "setVertexSamplerStates");
-}
-
-// ---- fragment stage ----------------------------------------------------------------------------------------------------------
-
-void MTL::RenderCommandEncoder::setFragmentBytes(const void* bytes, NS::UInteger length, NS::UInteger index)
-{
-    noteBytes(this, "setFragmentBytes", bytes, length, index);
-    if (auto* e = opened(this, "setFragmentBytes")) bindBytes(*e, e->fragment, bytes, length, index, "setFragmentBytes");
-}
-
-void MTL::RenderCommandEncoder::setFragmentBuffer(const Buffer* buffer, NS::UInteger offset, NS::UInteger index)
-{
-    noteBuffer(this, "setFragmentBuffer", buffer, offset, index);
-    if (auto* e = opened(this, "setFragmentBuffer")) bindBuffer(*e, e->fragment, buffer, offset, index, "setFragmentBuffer");
-}
-
-void MTL::RenderCommandEncoder::setFragmentBuffers(const Buffer* const buffers[], const NS::UInteger offsets[], NS::Range range)
-{
-    for (NS::UInteger i = 0; i < range.length; ++i) setFragmentBuffer(buffers[i], offsets[i], range.location + i);
-}
-
-void MTL::RenderCommandEncoder::setFragmentTexture(const Texture* texture, NS::UInteger index)
-{
-    note(this, "setFragmentTexture", arg("texture", static_cast<const void*>(texture)), arg("index", number(index)));
-    if (auto* e = opened(this, "setFragmentTexture")) bindTexture(*e, e->fragment, texture, index, "setFragmentTexture");
-}
-
-void MTL::RenderCommandEncoder::setFragmentTextures(const Texture* const textures[], NS::Range range)
-{
-    note(this, "setFragmentTextures", arg("location", number(range.location)), arg("length", number(range.length)));
-    auto* e = opened(this, "setFragmentTextures");
-    for (NS::UInteger i = 0; e && i < range.length; ++i) bindTexture(*e, e->fragment, textures[i], range.location + i, "setFragmentTextures");
-}
-
-void MTL::RenderCommandEncoder::setFragmentSamplerState(const SamplerState* sampler, NS::UInteger index)
-{
-    note(this, "setFragmentSamplerState", arg("sampler", static_cast<const void*>(sampler)), arg("index", number(index)));
-    if (auto* e = opened(this, "setFragmentSamplerState")) bindSampler(*e, e->fragment, sampler, index, "setFragmentSamplerState");
-}
-
-void MTL::RenderCommandEncoder::setFragmentSamplerStates(const SamplerState* const samplers[], NS::Range range)
-{
-    note(this, "setFragmentSamplerStates", arg("location", number(range.location)), arg("length", number(range.length)));
-    auto* e = opened(this, "setFragmentSamplerStates");
-    for (NS::UInteger i = 0; e && i < range.length; ++i) bindSampler(*e, e->fragment, samplers[i], range.location + i, "setFragmentSamplerStates");
-}
+// Passes run one after the other, so that a fence has nothing to wait for.
+void MTL::RenderCommandEncoder::updateFence(const Fence* fence, RenderStages) { require(fence != nullptr, Rule::EncoderNilFence, "updateFence", *cast<RenderEncoderObject>(this)); }
+void MTL::RenderCommandEncoder::waitForFence(const Fence* fence, RenderStages) { require(fence != nullptr, Rule::EncoderNilFence, "waitForFence", *cast<RenderEncoderObject>(this)); }
 
 // ---- draws -------------------------------------------------------------------------------------------------------------------
 
 void MTL::RenderCommandEncoder::drawPrimitives(PrimitiveType type, NS::UInteger start, NS::UInteger count, NS::UInteger instances, NS::UInteger baseInstance)
 {
-    note(this, "drawPrimitives", arg("type", number(type)), arg("start", number(start)), arg("count", number(count)), arg("instances", number(instances)), arg("baseInstance", number(baseInstance)));
+    note(this, "drawPrimitives", arg("type", type), arg("start", start), arg("count", count), arg("instances", instances), arg("baseInstance", baseInstance));
+    auto* e = opened(this, "drawPrimitives");
+    if (!e || !countable({start, count, instances, baseInstance}, "drawPrimitives")) return;
     raster::DrawCall call;
-    call.primitive = static_cast<uint8_t>(type);
+    call.primitive = static_cast<uint8_t>(std::min<NS::UInteger>(type, 255));
     call.start = static_cast<uint32_t>(start);
     call.count = static_cast<uint32_t>(count);
     call.instanceCount = static_cast<uint32_t>(instances);
     call.baseInstance = static_cast<uint32_t>(baseInstance);
-    cast<RenderEncoderObject>(this)->draw(call, "drawPrimitives");
+    e->draw(call, "drawPrimitives");
 }
 
 void MTL::RenderCommandEncoder::drawPrimitives(PrimitiveType type, NS::UInteger start, NS::UInteger count, NS::UInteger instances) { drawPrimitives(type, start, count, instances, 0); }
@@ -382,16 +217,17 @@ void MTL::RenderCommandEncoder::drawPrimitives(PrimitiveType type, NS::UInteger 
 void MTL::RenderCommandEncoder::drawIndexedPrimitives(PrimitiveType type, NS::UInteger count, IndexType indexType, const Buffer* buffer, NS::UInteger offset,
                                                       NS::UInteger instances, NS::Integer baseVertex, NS::UInteger baseInstance)
 {
-    note(this, "drawIndexedPrimitives", arg("type", number(type)), arg("count", number(count)), arg("indexType", number(indexType)),
-         arg("buffer", static_cast<const void*>(buffer)), arg("offset", number(offset)), arg("instances", number(instances)));
-    auto* e = cast<RenderEncoderObject>(this);
+    note(this, "drawIndexedPrimitives", arg("type", type), arg("count", count), arg("indexType", indexType), arg("buffer", static_cast<const void*>(buffer)),
+         arg("offset", offset), arg("instances", instances), arg("baseVertex", baseVertex), arg("baseInstance", baseInstance));
+    auto* e = opened(this, "drawIndexedPrimitives");
     auto* indices = cast<BufferObject>(buffer);
-    if (!inspect::require(indices != nullptr, "draw.no-indices", "drawIndexedPrimitives: the index buffer must not be nil")) return;
+    if (!e || !countable({count, instances, baseInstance}, "drawIndexedPrimitives") || !require(indices != nullptr, Rule::DrawNoIndices, *e)) return;
     uint64_t size = indexType == IndexTypeUInt16 ? 2 : 4, available = offset <= indices->length ? indices->length - offset : 0;
-    inspect::require(count * size <= available, "draw.index-range", "drawIndexedPrimitives: the indices end beyond the index buffer");
-    inspect::require(offset % size == 0, "draw.index-alignment", "drawIndexedPrimitives: the offset must be a multiple of the index size");
+    require(count * size <= available, Rule::DrawIndexRange, count, offset, *indices, indices->length);
+    require(offset % size == 0, Rule::DrawIndexAlignment, offset, size);
+    require(!indices->mayBeDiscarded(), Rule::BindPurged, "drawIndexedPrimitives", *indices, indices->purgeableState());
     raster::DrawCall call;
-    call.primitive = static_cast<uint8_t>(type);
+    call.primitive = static_cast<uint8_t>(std::min<NS::UInteger>(type, 255));
     call.count = static_cast<uint32_t>(count);
     call.instanceCount = static_cast<uint32_t>(instances);
     call.baseVertex = static_cast<int32_t>(baseVertex);

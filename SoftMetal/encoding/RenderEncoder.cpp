@@ -3,20 +3,18 @@
 #include "encoding/Commands.h"
 
 #include "formats/PixelFormat.h"
-#include "inspect/Inspect.h"
+#include "formats/VertexFormat.h"
 
 #include <algorithm>
 #include <bit>
 #include <cstring>
 
 namespace softmetal {
-namespace {
 
-void initialise(StageBindings& stage)
-{
-    std::memset(&stage.table, 0, sizeof stage.table);
-    for (auto& buffer : stage.table.buffers) buffer = zeroMemory();
-}
+using inspect::require;
+using inspect::Rule;
+
+namespace {
 
 const abi::Resources* snapshotOf(StageBindings& stage, Arena& arena)
 {
@@ -28,145 +26,187 @@ const abi::Resources* snapshotOf(StageBindings& stage, Arena& arena)
     return stage.snapshot;
 }
 
-void checkBindings(const shader::FunctionReflection& function, const StageBindings& stage, const char* name)
-{
-    for (const shader::BindingReflection& binding : function.bindings) {
-        if (!binding.used) continue;
-        std::string what = "'" + binding.name + "' (index " + std::to_string(binding.index) + ") of function '" + function.name + "'";
-        if (binding.kind == shader::BindingKind::Buffer && binding.index < abi::MaxBuffers) {
-            if (stage.table.bufferLengths[binding.index] == 0) inspect::report("draw.missing-buffer", std::string(name) + ": no buffer is bound for " + what);
-            else if (stage.table.bufferLengths[binding.index] < binding.minimumSize)
-                inspect::report("draw.short-buffer", std::string(name) + ": the buffer bound for " + what + " is shorter than the type that is read from it");
-        } else if (binding.kind == shader::BindingKind::Texture && binding.index < abi::MaxTextures) {
-            const abi::Texture* texture = stage.table.textures[binding.index];
-            if (!texture) inspect::report("draw.missing-texture", std::string(name) + ": no texture is bound for " + what);
-            else if (texture->type != binding.textureType)
-                inspect::report("draw.texture-type", std::string(name) + ": the texture bound for " + what + " is of another type than the function declares");
-        } else if (binding.kind == shader::BindingKind::Sampler && binding.index < abi::MaxSamplers && !stage.table.samplers[binding.index]) {
-            inspect::report("draw.missing-sampler", std::string(name) + ": no sampler is bound for " + what);
-        }
-    }
-}
+bool tests(const raster::StencilState& s, bool enabled) { return enabled && (s.compareFunction != MTL::CompareFunctionAlways || s.passOperation != MTL::StencilOperationKeep); }
 
 } // namespace
 
-RenderEncoderObject::RenderEncoderObject(CommandBufferObject* buffer, const RenderPassDescriptorObject& pass) : Labelled(buffer->device.get()), commands(buffer)
+StageBindings::StageBindings()
 {
-    initialise(vertex);
-    initialise(fragment);
+    std::memset(&table, 0, sizeof table);
+    for (auto& buffer : table.buffers) buffer = zeroMemory();
+}
+
+RenderEncoderObject::RenderEncoderObject(CommandBufferObject* buffer, const RenderPassDescriptorObject& pass) : Labelled(buffer->device.get()), Encoder(buffer)
+{
+    record.firstDraw = commands->storage->draws.size();
     attach(pass);
+    if (inspect::logging()) logPass(pass);
+}
+
+// ---- attachments ----------------------------------------------------------------------------------------------------------------
+
+/// The render area is what all attachments have, unless the descriptor names it.
+void RenderEncoderObject::fitArea(const TextureObject& texture, NS::UInteger level)
+{
+    raster::PassDescription& d = record.description;
+    const abi::TextureLevel& l = texture.view.levels[level];
+    d.width = areaKnown_ ? std::min(d.width, l.width) : l.width;
+    d.height = areaKnown_ ? std::min(d.height, l.height) : l.height;
+    areaKnown_ = true;
+}
+
+void RenderEncoderObject::takeTarget(const RenderPassAttachmentDescriptorObject& from, raster::Target& to, uint32_t& format, const Attachment& kind)
+{
+    auto* texture = static_cast<TextureObject*>(from.texture.get());
+    require(!from.resolveTexture, Rule::PassResolve, kind.name);
+    if (!texture) return;
+    const auto& info = *formats::pixelFormatInfo(texture->view.format);
+    format = texture->view.format;
+    bool fits = kind.wantsDepth ? info.hasDepth : kind.wantsStencil ? info.hasStencil : info.renderable && !info.isDepthOrStencil();
+    bool usable = require((texture->description.usage & MTL::TextureUsageRenderTarget) != 0, Rule::PassUsage, *texture, kind.name);
+    usable &= require(fits, Rule::PassFormat, format, *texture, kind.name);
+    if (!require(from.level < texture->view.levelCount && from.slice < texture->slices(), Rule::PassLevel, *texture, kind.name, from.level, from.slice)) return;
+    fitArea(*texture, from.level);
+    usable &= require(from.depthPlane < texture->view.levels[from.level].depth, Rule::PassDepthPlane, *texture, kind.name, from.depthPlane);
+    usable &= require(texture->device.get() == device.get(), Rule::EncoderOtherDevice, "renderCommandEncoder", *texture);
+    if (!usable) return;
+    commands->keep(texture);
+    to.texture = &texture->view;
+    to.level = static_cast<uint32_t>(from.level);
+    to.slice = static_cast<uint32_t>(from.slice);
+    to.plane = static_cast<uint32_t>(from.depthPlane);
+    to.loadAction = static_cast<uint8_t>(from.loadAction);
+    to.storeAction = static_cast<uint8_t>(from.storeAction);
 }
 
 void RenderEncoderObject::attach(const RenderPassDescriptorObject& pass)
 {
     raster::PassDescription& d = record.description;
-    uint32_t width = static_cast<uint32_t>(pass.renderTargetWidth), height = static_cast<uint32_t>(pass.renderTargetHeight);
-    bool first = width == 0 || height == 0;
-    std::vector<SoftMetal::LogArgument> logged;
-    auto take = [&](const RenderPassAttachmentDescriptorObject& a, raster::Target& target, uint32_t& format, bool wantsDepth, bool wantsStencil, const char* name) {
-        auto* texture = static_cast<TextureObject*>(a.texture.get());
-        if (!texture) return;
-        const auto& info = *formats::pixelFormatInfo(texture->view.format);
-        format = texture->view.format;
-        bool usable = (texture->description.usage & MTL::TextureUsageRenderTarget) != 0;
-        std::string subject = "renderCommandEncoder: " + std::string(name) + " texture '" + texture->labelText() + "' ";
-        if (!usable) inspect::report("pass.usage", subject + "has no render target usage; nothing is drawn to it");
-        bool kind = wantsDepth ? info.hasDepth : wantsStencil ? info.hasStencil : info.renderable && !info.isDepthOrStencil();
-        if (!kind) inspect::report("pass.format", subject + "has a pixel format that does not fit the attachment");
-        bool range = a.level < texture->view.levelCount && a.slice < texture->slices();
-        if (!range) inspect::report("pass.level", subject + "has no such level or slice");
-        if (range) {
-            const abi::TextureLevel& level = texture->view.levels[a.level];
-            uint32_t w = level.width, h = level.height;
-            width = first ? w : std::min(width, w);
-            height = first ? h : std::min(height, h);
-            first = false;
-        }
-        if (!usable || !kind || !range) return;
-        commands->keep(texture);
-        target.texture = &texture->view;
-        target.level = static_cast<uint32_t>(a.level);
-        target.slice = static_cast<uint32_t>(a.slice);
-        target.plane = static_cast<uint32_t>(std::min<NS::UInteger>(a.depthPlane, texture->view.levels[a.level].depth - 1));
-        target.loadAction = static_cast<uint8_t>(a.loadAction);
-        target.storeAction = static_cast<uint8_t>(a.storeAction);
-    };
+    d.width = static_cast<uint32_t>(pass.renderTargetWidth);
+    d.height = static_cast<uint32_t>(pass.renderTargetHeight);
+    areaKnown_ = d.width != 0 && d.height != 0;
     for (uint32_t i = 0; i < abi::MaxColorOutputs; ++i) {
         const RenderPassColorAttachmentDescriptorObject* a = pass.colorAttachments->known(i);
         if (!a) continue;
-        take(*a, d.color[i], colorFormats[i], false, false, "colour");
+        takeTarget(*a, d.color[i], colorFormats[i], {"colour", false, false});
         const double clear[4] = {a->clearColor.red, a->clearColor.green, a->clearColor.blue, a->clearColor.alpha};
         std::copy(clear, clear + 4, d.color[i].clearColor);
-        if (inspect::logging()) {
-            std::string prefix = "color" + std::to_string(i);
-            logged.push_back({prefix, 0, a->texture.get(), {}});
-            logged.push_back({prefix + ".load", static_cast<double>(a->loadAction), nullptr, {}});
-        }
     }
     const auto& depth = static_cast<const RenderPassDepthAttachmentDescriptorObject&>(*pass.depthAttachment);
     const auto& stencil = static_cast<const RenderPassStencilAttachmentDescriptorObject&>(*pass.stencilAttachment);
-    take(depth, d.depth, depthFormat, true, false, "depth");
-    take(stencil, d.stencil, stencilFormat, false, true, "stencil");
+    takeTarget(depth, d.depth, depthFormat, {"depth", true, false});
+    takeTarget(stencil, d.stencil, stencilFormat, {"stencil", false, true});
+    if (depth.texture && stencil.texture && depth.texture.get() != stencil.texture.get())
+        require(false, Rule::PassDepthStencil, *static_cast<TextureObject*>(depth.texture.get()), *static_cast<TextureObject*>(stencil.texture.get()));
     d.depth.clearDepth = depth.clearDepth;
     d.stencil.clearStencil = stencil.clearStencil;
-    d.width = width;
-    d.height = height;
-    state.viewport[2] = width;
-    state.viewport[3] = height;
+    state.viewport[2] = d.width;
+    state.viewport[3] = d.height;
     if (auto* visibility = static_cast<BufferObject*>(pass.visibilityResultBuffer.get())) {
         commands->keep(visibility);
         d.visibility = reinterpret_cast<uint64_t*>(visibility->memory.data());
         d.visibilityCount = visibility->length / 8;
     }
-    if (!inspect::logging()) return;
-    logged.push_back({"result", 0, api(this), {}});
-    logged.push_back({"depth", 0, depth.texture.get(), {}});
-    logged.push_back({"depth.load", static_cast<double>(depth.loadAction), nullptr, {}});
-    logged.push_back({"stencil", 0, stencil.texture.get(), {}});
-    logged.push_back({"stencil.load", static_cast<double>(stencil.loadAction), nullptr, {}});
+}
+
+void RenderEncoderObject::logPass(const RenderPassDescriptorObject& pass) const
+{
+    std::vector<SoftMetal::LogArgument> logged{inspect::arg("result", static_cast<const void*>(api(this)))};
+    auto add = [&](const std::string& name, const RenderPassAttachmentDescriptorObject& a) {
+        logged.push_back({name, 0, a.texture.get(), {}});
+        logged.push_back({name + ".load", static_cast<double>(a.loadAction), nullptr, {}});
+        logged.push_back({name + ".store", static_cast<double>(a.storeAction), nullptr, {}});
+        logged.push_back({name + ".level", static_cast<double>(a.level), nullptr, {}});
+        logged.push_back({name + ".slice", static_cast<double>(a.slice), nullptr, {}});
+    };
+    for (uint32_t i = 0; i < abi::MaxColorOutputs; ++i)
+        if (const auto* a = pass.colorAttachments->known(i)) add("color" + std::to_string(i), *a);
+    add("depth", static_cast<const RenderPassAttachmentDescriptorObject&>(*pass.depthAttachment));
+    add("stencil", static_cast<const RenderPassAttachmentDescriptorObject&>(*pass.stencilAttachment));
     inspect::logCall(api(commands.get()), "renderCommandEncoder", std::move(logged));
 }
 
-bool RenderEncoderObject::open(const char* call) const
+// ---- draws ---------------------------------------------------------------------------------------------------------------------
+
+void RenderEncoderObject::checkBindings(const shader::FunctionReflection& function, const StageBindings& stage, const char* name) const
 {
-    if (ended && inspect::validating()) inspect::report("encoder.ended", std::string(call) + ": the render encoder has ended");
-    return !ended;
+    for (const shader::BindingReflection& b : function.bindings) {
+        if (!b.used) continue;
+        if (b.kind == shader::BindingKind::Buffer && b.index < abi::MaxBuffers) {
+            uint64_t length = stage.table.bufferLengths[b.index];
+            if (require(length != 0, Rule::DrawMissingBuffer, name, function.name, b.name, b.index))
+                require(length >= b.minimumSize, Rule::DrawShortBuffer, name, function.name, b.name, b.index, length, b.minimumSize);
+        } else if (b.kind == shader::BindingKind::Texture && b.index < abi::MaxTextures) {
+            const abi::Texture* texture = stage.table.textures[b.index];
+            if (require(texture != nullptr, Rule::DrawMissingTexture, name, function.name, b.name, b.index))
+                require(texture->type == b.textureType, Rule::DrawTextureType, name, function.name, b.name, b.index, b.textureType, texture->type);
+        } else if (b.kind == shader::BindingKind::Sampler && b.index < abi::MaxSamplers) {
+            require(stage.table.samplers[b.index] != nullptr, Rule::DrawMissingSampler, name, function.name, b.name, b.index);
+        }
+    }
 }
 
-bool RenderEncoderObject::ready(const char* name) const
+/// What depends on state and bindings alone.
+void RenderEncoderObject::checkState(const char* name) const
 {
-    if (!inspect::require(pipeline != nullptr, "draw.no-pipeline", "draw: no render pipeline state is set")) return false;
-    if (!inspect::validating()) return true;
-    for (uint32_t i = 0; i < abi::MaxColorOutputs; ++i) {
-        uint32_t wanted = pipeline->pipeline.colorFormats[i];
-        if (wanted != 0 && colorFormats[i] != 0 && wanted != colorFormats[i])
-            inspect::report("draw.color-format", std::string(name) + ": pipeline state '" + pipeline->labelText() + "' has another pixel format (" +
-                                                     std::to_string(wanted) + ") than colour attachment " + std::to_string(i) + " (" +
-                                                     std::to_string(colorFormats[i]) + ")");
-    }
-    if (pipeline->depthFormat != depthFormat)
-        inspect::report("draw.depth-format", std::string(name) + ": the pipeline state's depth format (" + std::to_string(pipeline->depthFormat) +
-                                                 ") is not the pass's (" + std::to_string(depthFormat) + ")");
-    if (pipeline->stencilFormat != stencilFormat)
-        inspect::report("draw.stencil-format", std::string(name) + ": the pipeline state's stencil format (" + std::to_string(pipeline->stencilFormat) +
-                                                   ") is not the pass's (" + std::to_string(stencilFormat) + ")");
     const raster::Pipeline& p = pipeline->pipeline;
+    for (uint32_t i = 0; i < abi::MaxColorOutputs; ++i) {
+        // An attachment without a texture, or one that the pipeline does not write, is let pass.
+        bool differs = p.colorFormats[i] != 0 && colorFormats[i] != 0 && p.colorFormats[i] != colorFormats[i];
+        require(!differs, Rule::DrawColorFormat, name, *pipeline, p.colorFormats[i], i, colorFormats[i]);
+    }
+    require(pipeline->depthFormat == depthFormat, Rule::DrawDepthFormat, name, *pipeline, pipeline->depthFormat, depthFormat);
+    require(pipeline->stencilFormat == stencilFormat, Rule::DrawStencilFormat, name, *pipeline, pipeline->stencilFormat, stencilFormat);
+    const raster::DepthStencil& ds = state.depthStencil;
+    require(depthFormat != 0 || (ds.depthCompare == MTL::CompareFunctionAlways && !ds.depthWrite), Rule::DrawDepthState, name, *this);
+    require(stencilFormat != 0 || (!tests(ds.front, ds.stencilEnabled) && !tests(ds.back, ds.stencilEnabled)), Rule::DrawStencilState, name, *this);
     for (uint32_t attributes = p.attributeMask; attributes != 0; attributes &= attributes - 1) {
-        uint32_t buffer = p.attributes[std::countr_zero(attributes)].buffer;
-        if (vertex.table.bufferLengths[buffer] == 0)
-            inspect::report("draw.missing-vertex-buffer", std::string(name) + ": no vertex buffer is bound at index " + std::to_string(buffer));
+        auto index = static_cast<uint32_t>(std::countr_zero(attributes));
+        uint32_t buffer = p.attributes[index].buffer;
+        require(vertex.table.bufferLengths[buffer] != 0, Rule::DrawMissingVertexBuffer, name, index, *pipeline, buffer);
     }
     checkBindings(pipeline->vertexFunction->reflection(), vertex, name);
     if (pipeline->fragmentFunction) checkBindings(pipeline->fragmentFunction->reflection(), fragment, name);
-    return true;
+}
+
+/// What vertices without indices, and instances, are read from must lie within the buffers.
+void RenderEncoderObject::checkVertexRange(const raster::DrawCall& call, const char* name) const
+{
+    const raster::Pipeline& p = pipeline->pipeline;
+    for (uint32_t attributes = p.attributeMask; attributes != 0; attributes &= attributes - 1) {
+        auto index = static_cast<uint32_t>(std::countr_zero(attributes));
+        const raster::VertexAttribute& a = p.attributes[index];
+        const raster::VertexLayout& layout = p.layouts[a.buffer];
+        uint64_t last = 0, length = vertex.table.bufferLengths[a.buffer];
+        if (layout.stepFunction == MTL::VertexStepFunctionPerVertex) last = call.indices ? 0 : uint64_t{call.start} + call.count - 1;
+        else if (layout.stepFunction == MTL::VertexStepFunctionPerInstance) last = call.baseInstance + (call.instanceCount - 1) / std::max(layout.stepRate, 1u);
+        uint64_t end = last * layout.stride + a.offset + formats::vertexFormatInfo(a.format).bytes();
+        require(length == 0 || end <= length, Rule::DrawVertexRange, name, index, *pipeline, end, a.buffer, length);
+    }
 }
 
 void RenderEncoderObject::draw(const raster::DrawCall& call, const char* name)
 {
-    if (!open(name) || !ready(name) || call.count == 0 || call.instanceCount == 0) return;
-    state.vertexResources = snapshotOf(vertex, commands->arena);
-    state.fragmentResources = snapshotOf(fragment, commands->arena);
-    record.draws.push_back({state, call});
+    if (!require(pipeline != nullptr, Rule::DrawNoPipeline, name, *this)) return;
+    if (!require(call.primitive <= MTL::PrimitiveTypeTriangleStrip, Rule::DrawPrimitive, name, call.primitive)) return;
+    if (call.count == 0 || call.instanceCount == 0) return;
+    if (inspect::validating()) {
+        if (mustCheck) checkState(name);
+        checkVertexRange(call, name);
+        mustCheck = false;
+    }
+    CommandStorage& storage = *commands->storage;
+    state.vertexResources = snapshotOf(vertex, storage.arena);
+    state.fragmentResources = snapshotOf(fragment, storage.arena);
+    storage.draws.push_back({state, call});
 }
+
+void RenderEncoderObject::handOver()
+{
+    record.drawCount = commands->storage->draws.size() - record.firstDraw;
+    commands->storage->records.emplace_back(record);
+}
+
+void RenderEncoderObject::drop() { commands->storage->draws.resize(record.firstDraw); }
 
 } // namespace softmetal

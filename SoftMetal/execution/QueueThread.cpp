@@ -3,7 +3,9 @@
 
 #include "execution/Limits.h"
 
+#include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <cstring>
 #include <deque>
 #include <thread>
@@ -12,117 +14,162 @@ namespace softmetal {
 namespace {
 
 std::atomic<bool> limitReached{false};
+std::atomic<double> delay{0}; // milliseconds
 
-double now() { return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count(); }
+// ---- records --------------------------------------------------------------------------------------------------------------
 
-void run(PassRecord& pass)
+void run(const PassRecord& pass, const CommandStorage& storage)
 {
     raster::Pass target(pass.description);
-    for (const DrawRecord& draw : pass.draws) target.draw(draw.state, draw.call);
+    for (size_t i = 0; i < pass.drawCount; ++i) target.draw(storage.draws[pass.firstDraw + i].state, storage.draws[pass.firstDraw + i].call);
     target.finish();
 }
 
-void run(CopyTextureRecord& r) { texturing::copyTextureToTexture({r.from, r.fromLevel, r.fromSlice}, r.block, {r.to, r.toLevel, r.toSlice}, r.x, r.y, r.z); }
+void run(const CopyTextureRecord& r, const CommandStorage&)
+{
+    texturing::copyTextureToTexture({r.from, r.fromLevel, r.fromSlice}, r.block, {r.to, r.toLevel, r.toSlice}, r.x, r.y, r.z);
+}
 
-void run(CopyMemoryRecord& r)
+void run(const CopyMemoryRecord& r, const CommandStorage&)
 {
     texturing::Image image{r.texture, r.level, r.slice};
     if (r.toTexture) texturing::copyMemoryToTexture(r.memory, r.rowBytes, r.planeBytes, image, r.block, r.aspect);
     else texturing::copyTextureToMemory(image, r.block, r.memory, r.rowBytes, r.planeBytes, r.aspect);
 }
 
-void run(CopyBufferRecord& r) { std::memmove(r.to, r.from, r.bytes); }
-void run(FillRecord& r) { std::memset(r.to, r.value, r.bytes); }
-void run(MipmapRecord& r) { texturing::generateMipmaps(*r.texture); }
+void run(const CopyBufferRecord& r, const CommandStorage&) { std::memmove(r.to, r.from, r.bytes); }
+void run(const FillRecord& r, const CommandStorage&) { std::memset(r.to, r.value, r.bytes); }
+void run(const MipmapRecord& r, const CommandStorage&) { texturing::generateMipmaps(*r.texture); }
 
-void run(PresentRecord& r)
+/// Records of different queues take turns: a shader that is stopped is then known to belong to the one that runs.
+std::mutex& turn()
 {
-    if (r.drawable) r.drawable->presentNow();
+    static auto* mutex = new std::mutex;
+    return *mutex;
+}
+
+/// Why the work failed, empty when it did not.
+std::string runRecords(const CommandStorage& storage)
+{
+    bool stopped = false;
+    for (const Record& record : storage.records) {
+        std::lock_guard lock(turn());
+        limitReached = false;
+        execute(record, storage);
+        stopped |= limitReached.exchange(false);
+    }
+    return stopped ? "a shader ran past the limit of loop iterations and was stopped" : std::string();
+}
+
+// ---- thread -----------------------------------------------------------------------------------------------------------------
+
+/// Shared by the queue and its thread: the thread may be the one that ends the queue.
+struct Shared
+{
+    struct Place
+    {
+        CommandBufferObject* reserved;      // for comparison only
+        Ref<CommandBufferObject> committed; // null until then
+    };
+    std::mutex mutex;
+    std::condition_variable wake;
+    std::deque<Place> places; // in the order of enqueueing
+    bool stopping = false;
+
+    bool ready() const { return !places.empty() && places.front().committed; }
+};
+
+void runCommandBuffer(CommandBufferObject& commands, bool discards)
+{
+    if (double wait = delay.load(std::memory_order_relaxed); wait > 0) std::this_thread::sleep_for(std::chrono::duration<double, std::milli>(wait));
+    commands.start();
+    std::string failure = commands.mustFail ? "the command buffer was made to fail (injected fault)" : std::string();
+    if (failure.empty() && !discards) failure = runRecords(*commands.storage);
+    for (Presentable* drawable : commands.storage->presents)
+        if (drawable) drawable->presentNow();
+    commands.complete(failure);
+}
+
+void work(const std::shared_ptr<Shared>& shared, bool discards)
+{
+    for (;;) {
+        Ref<CommandBufferObject> commands;
+        {
+            std::unique_lock lock(shared->mutex);
+            shared->wake.wait(lock, [&] { return shared->stopping || shared->ready(); });
+            if (!shared->ready()) return;
+            commands = std::move(shared->places.front().committed);
+            shared->places.pop_front();
+        }
+        auto* pool = NS::AutoreleasePool::alloc()->init();
+        runCommandBuffer(*commands, discards);
+        commands = Ref<CommandBufferObject>(); // may end the queue
+        pool->release();
+    }
 }
 
 class QueueThread final : public Executor
 {
 public:
-    explicit QueueThread(bool discards) : discards_(discards), thread_([this] { work(); }) {}
+    explicit QueueThread(bool discards) : shared_(std::make_shared<Shared>()), thread_([shared = shared_, discards] { work(shared, discards); }) {}
 
     ~QueueThread() override
     {
         {
-            std::lock_guard lock(mutex_);
-            stopping_ = true;
+            std::lock_guard lock(shared_->mutex);
+            shared_->stopping = true;
         }
-        wake_.notify_one();
-        // The last reference to a queue may be the one that its own thread gives back.
-        if (thread_.get_id() == std::this_thread::get_id()) thread_.detach();
+        shared_->wake.notify_one();
+        if (isOwnThread()) thread_.detach();
         else thread_.join();
+    }
+
+    void reserve(CommandBufferObject* commands) override
+    {
+        std::lock_guard lock(shared_->mutex);
+        shared_->places.push_back({commands, {}});
     }
 
     void submit(Ref<CommandBufferObject> commands) override
     {
         {
-            std::lock_guard lock(mutex_);
-            waiting_.push_back(std::move(commands));
+            std::lock_guard lock(shared_->mutex);
+            auto place = std::find_if(shared_->places.begin(), shared_->places.end(), [&](const auto& p) { return p.reserved == commands.get(); });
+            place->committed = std::move(commands);
+            // Accepted is what nothing uncommitted stands before: no one waits here for work that is merely long.
+            for (auto& p : shared_->places) {
+                if (!p.committed) break;
+                p.committed->setStatus(MTL::CommandBufferStatusScheduled);
+            }
         }
-        wake_.notify_one();
+        shared_->wake.notify_one();
     }
+
+    void forget(CommandBufferObject* commands) override
+    {
+        {
+            std::lock_guard lock(shared_->mutex);
+            std::erase_if(shared_->places, [&](const auto& p) { return p.reserved == commands && !p.committed; });
+        }
+        shared_->wake.notify_one();
+    }
+
+    bool isOwnThread() const override { return thread_.get_id() == std::this_thread::get_id(); }
 
 private:
-    void work()
-    {
-        for (;;) {
-            Ref<CommandBufferObject> commands;
-            {
-                std::unique_lock lock(mutex_);
-                wake_.wait(lock, [this] { return stopping_ || !waiting_.empty(); });
-                if (waiting_.empty()) return;
-                commands = std::move(waiting_.front());
-                waiting_.pop_front();
-            }
-            auto* pool = NS::AutoreleasePool::alloc()->init();
-            runAll(*commands);
-            pool->release();
-            bool last = release(commands);
-            if (last) return;
-        }
-    }
-
-    void runAll(CommandBufferObject& commands)
-    {
-        commands.startTime = now();
-        limitReached = false;
-        for (Record& record : commands.records)
-            if (!discards_) execute(record);
-        commands.endTime = now();
-        if (limitReached.exchange(false)) commands.fail("a shader ran past the limit of loop iterations and was stopped");
-        commands.complete();
-    }
-
-    /// Gives the command buffer back; true when the queue, and this object with it, has gone.
-    static bool release(Ref<CommandBufferObject>& commands)
-    {
-        Ref<CommandQueueObject> queue = commands->queue;
-        commands = Ref<CommandBufferObject>();
-        bool last = queue.get() != nullptr && queue->retainCount() == 1;
-        queue = Ref<CommandQueueObject>();
-        return last;
-    }
-
-    bool discards_;
-    std::mutex mutex_;
-    std::condition_variable wake_;
-    std::deque<Ref<CommandBufferObject>> waiting_;
-    bool stopping_ = false;
+    std::shared_ptr<Shared> shared_;
     std::thread thread_;
 };
 
 } // namespace
 
-void execute(Record& record)
+void execute(const Record& record, const CommandStorage& storage)
 {
-    std::visit([](auto& r) { run(r); }, record);
+    std::visit([&](const auto& r) { run(r, storage); }, record);
 }
 
 void noteShaderLimit() { limitReached = true; }
+void setCommandBufferDelay(double milliseconds) { delay = milliseconds; }
 
 std::unique_ptr<Executor> makeQueueThread(bool discards) { return std::make_unique<QueueThread>(discards); }
 

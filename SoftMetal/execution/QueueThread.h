@@ -11,6 +11,9 @@ namespace softmetal {
 std::unique_ptr<Executor> makeQueueThread(bool discards);
 
 /// Runs one record; public for the tests of this room.
-void execute(Record& record);
+void execute(const Record& record, const CommandStorage& storage);
+
+/// Waits this long before it runs each command buffer, for tests of waiting.
+void setCommandBufferDelay(double milliseconds);
 
 } // namespace softmetal

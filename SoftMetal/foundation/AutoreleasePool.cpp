@@ -10,21 +10,30 @@ namespace softmetal {
 namespace {
 
 class PoolObject;
-thread_local std::vector<PoolObject*> pools; // innermost last
+
+/// A thread's pools, the innermost last. What is left when the thread ends is drained then.
+struct PoolStack
+{
+    ~PoolStack();
+    bool holds(const PoolObject* pool) const { return std::find(pools.begin(), pools.end(), pool) != pools.end(); }
+    std::vector<PoolObject*> pools;
+};
+thread_local PoolStack stack;
 
 class PoolObject final : public ObjectOf<NS::AutoreleasePool>
 {
 public:
-    PoolObject() { pools.push_back(this); }
+    PoolObject() { stack.pools.push_back(this); }
     ~PoolObject() override
     {
         drainInner();
         drain();
-        pools.erase(std::remove(pools.begin(), pools.end(), this), pools.end());
+        std::erase(stack.pools, this);
     }
     const char* className() const override { return "NSAutoreleasePool"; }
     void add(Object* object) { objects_.push_back(object); }
 
+private:
     void drain()
     {
         // A destructor may autorelease more into this pool.
@@ -35,16 +44,20 @@ public:
         }
     }
 
-private:
-    /// Pools opened inside this one and not yet drained go with it.
     void drainInner()
     {
-        while (!pools.empty() && pools.back() != this && std::find(pools.begin(), pools.end(), this) != pools.end())
-            delete pools.back();
+        while (stack.holds(this) && stack.pools.back() != this)
+            delete stack.pools.back();
     }
 
     std::vector<Object*> objects_;
 };
+
+PoolStack::~PoolStack()
+{
+    while (!pools.empty())
+        delete pools.back();
+}
 
 } // namespace
 } // namespace softmetal
@@ -52,25 +65,31 @@ private:
 namespace NS {
 
 using softmetal::PoolObject;
+using softmetal::stack;
 
 void Private::autorelease(const void* object)
 {
     if (!object) return;
-    if (softmetal::pools.empty()) {
-        softmetal::log(softmetal::LogLevel::Debug, "an object was autoreleased with no pool in place; it stays alive");
+    if (stack.pools.empty()) {
+        std::string name = softmetal::castObject(object)->className();
+        softmetal::log(softmetal::LogLevel::Debug, name + " was autoreleased with no pool in place; it stays alive");
         return;
     }
-    softmetal::pools.back()->add(softmetal::castObject(object));
+    stack.pools.back()->add(softmetal::castObject(object));
 }
 
 AutoreleasePool* AutoreleasePool::alloc() { return softmetal::api(new PoolObject); }
 AutoreleasePool* AutoreleasePool::init() { return this; }
 void AutoreleasePool::drain() { release(); }
-void AutoreleasePool::addObject(Object* object) { softmetal::cast<PoolObject>(this)->add(softmetal::castObject(object)); }
+
+void AutoreleasePool::addObject(Object* object)
+{
+    if (object) softmetal::cast<PoolObject>(this)->add(softmetal::castObject(object));
+}
 
 void AutoreleasePool::showPools()
 {
-    softmetal::log(softmetal::LogLevel::Info, "autorelease pools of this thread: " + std::to_string(softmetal::pools.size()));
+    softmetal::log(softmetal::LogLevel::Info, "autorelease pools of this thread: " + std::to_string(stack.pools.size()));
 }
 
 } // namespace NS

@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "foundation/Log.h"
 
-#include "foundation/Strings.h"
+#include "foundation/LogFormat.h"
+
+#include <AppKit/AppKit.hpp>
 
 #include <array>
 #include <atomic>
-#include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -18,7 +19,7 @@ LogLevel levelFromEnvironment()
 {
     static constexpr std::array Names = {"none", "error", "warn", "info", "debug"};
     const char* wanted = std::getenv("SOFTMETAL_LOG_LEVEL");
-    for (size_t i = 0; wanted && i < Names.size(); ++i)
+    for (std::size_t i = 0; wanted && i < Names.size(); ++i)
         if (std::strcmp(wanted, Names[i]) == 0) return static_cast<LogLevel>(i);
     return LogLevel::Error;
 }
@@ -29,66 +30,36 @@ std::atomic<LogLevel>& level()
     return value;
 }
 
-std::mutex sinkMutex;
-std::function<void(LogLevel, const std::string&)> sink;
+struct Sink
+{
+    std::mutex mutex;
+    std::function<void(LogLevel, const std::string&)> function;
+};
+
+// Lives for ever: something may be said while the process ends.
+Sink& sink()
+{
+    static Sink* instance = new Sink;
+    return *instance;
+}
 
 void write(LogLevel at, const std::string& line)
 {
-    std::lock_guard lock(sinkMutex);
-    if (sink) return sink(at, line);
-    std::fprintf(stderr, "%s\n", line.c_str());
-}
+    std::unique_lock lock(sink().mutex);
+    auto function = sink().function;
+    lock.unlock();
 
-/// Formats one printf conversion whose argument comes next in the list.
-std::string convert(const std::string& spec, std::va_list& arguments)
-{
-    std::array<char, 512> text{};
-    char kind = spec.back();
-    bool wide = spec.find('l') != std::string::npos || spec.find('z') != std::string::npos;
-    if (std::strchr("fFeEgGaA", kind)) {
-        std::snprintf(text.data(), text.size(), spec.c_str(), va_arg(arguments, double));
-    } else if (kind == 's') {
-        const char* value = va_arg(arguments, const char*);
-        return value ? value : "(null)";
-    } else if (kind == 'p') {
-        std::snprintf(text.data(), text.size(), spec.c_str(), va_arg(arguments, void*));
-    } else if (wide) {
-        std::snprintf(text.data(), text.size(), spec.c_str(), va_arg(arguments, long));
-    } else {
-        std::snprintf(text.data(), text.size(), spec.c_str(), va_arg(arguments, int));
-    }
-    return text.data();
-}
-
-std::string describe(const void* object) { return object ? castObject(object)->description() : "(null)"; }
-
-std::string formatLine(const char* format, std::va_list& arguments)
-{
-    std::string line;
-    for (const char* p = format; *p; ++p) {
-        if (*p != '%') {
-            line += *p;
-            continue;
-        }
-        if (p[1] == '%') {
-            line += *++p;
-            continue;
-        }
-        std::string spec = "%";
-        while (*++p && !std::strchr("@sdiuxXcpfFeEgGaAo", *p)) spec += *p;
-        if (!*p) break;
-        spec += *p;
-        line += *p == '@' ? describe(va_arg(arguments, const void*)) : convert(spec, arguments);
-    }
-    return line;
+    if (function) return function(at, line);
+    std::string whole = line + "\n"; // one call, so that lines of several threads do not mix
+    std::fwrite(whole.data(), 1, whole.size(), stderr);
 }
 
 } // namespace
 
 void setLogSink(std::function<void(LogLevel, const std::string&)> newSink)
 {
-    std::lock_guard lock(sinkMutex);
-    sink = std::move(newSink);
+    std::lock_guard lock(sink().mutex);
+    sink().function = std::move(newSink);
 }
 
 void setLogLevel(LogLevel newLevel) { level() = newLevel; }
@@ -110,5 +81,3 @@ void NSLog(const char* format, ...)
     va_end(arguments);
     softmetal::logAlways(line);
 }
-
-void NS::raise(const char* name, const char* reason) { throw Exception(name, reason); }

@@ -1,60 +1,54 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "foundation/Strings.h"
 
-#include <strings.h>
+#include "foundation/Encodings.h"
+
+#include <AppKit/AppKit.hpp>
+
+#include <algorithm>
+#include <cstdlib>
+#include <map>
+#include <mutex>
 
 namespace softmetal {
 namespace {
 
-/// Number of UTF-16 units that the bytes make.
-NS::UInteger utf16Length(std::string_view text)
-{
-    NS::UInteger length = 0;
-    for (unsigned char byte : text) length += (byte & 0xC0) != 0x80 ? (byte >= 0xF0 ? 2 : 1) : 0;
-    return length;
-}
-
-std::string fromLatin1(const char* text)
-{
-    std::string result;
-    for (; *text; ++text) {
-        auto byte = static_cast<unsigned char>(*text);
-        if (byte < 0x80) {
-            result += *text;
-            continue;
-        }
-        result += static_cast<char>(0xC0 | (byte >> 6));
-        result += static_cast<char>(0x80 | (byte & 0x3F));
-    }
-    return result;
-}
-
-std::string decoded(const char* text, NS::StringEncoding encoding)
-{
-    if (!text) return {};
-    return encoding == NS::ISOLatin1StringEncoding ? fromLatin1(text) : std::string(text);
-}
-
-/// The code point whose first byte is at position, which is moved past it.
-uint32_t nextCodePoint(const std::string& text, size_t& position)
-{
-    auto byte = static_cast<unsigned char>(text[position++]);
-    int more = byte >= 0xF0 ? 3 : byte >= 0xE0 ? 2 : byte >= 0xC0 ? 1 : 0;
-    uint32_t code = more == 0 ? byte : byte & (0x3Fu >> more);
-    for (; more > 0 && position < text.size(); --more) code = code << 6 | (static_cast<unsigned char>(text[position++]) & 0x3F);
-    return code;
-}
-
 const std::string& stringOf(const NS::String* string) { return cast<StringObject>(string)->text(); }
 
-} // namespace
-
-Object* StringObject::copy() const
+/// The caller owns the result; null when the bytes are not valid.
+NS::String* decodedString(const char* bytes, NS::UInteger length, NS::StringEncoding encoding)
 {
-    auto* self = const_cast<StringObject*>(this); // immutable: a copy is another reference
-    self->retain();
-    return self;
+    if (!bytes) return nullptr;
+    auto text = decode({bytes, length}, encoding);
+    return text ? newString(*std::move(text)) : nullptr;
 }
+
+NS::String* decodedString(const char* text, NS::StringEncoding encoding)
+{
+    return decodedString(text, text ? std::char_traits<char>::length(text) : 0, encoding);
+}
+
+char lowered(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+
+std::string lowered(std::string text)
+{
+    std::transform(text.begin(), text.end(), text.begin(), [](char c) { return lowered(c); });
+    return text;
+}
+
+/// Byte position of part in text, npos where it is not.
+std::size_t find(const std::string& text, const std::string& part, NS::StringCompareOptions options)
+{
+    bool backwards = options & NS::BackwardsSearch;
+    if (options & NS::AnchoredSearch) {
+        if (part.size() > text.size()) return std::string::npos;
+        std::size_t at = backwards ? text.size() - part.size() : 0;
+        return text.compare(at, part.size(), part) == 0 ? at : std::string::npos;
+    }
+    return backwards ? text.rfind(part) : text.find(part);
+}
+
+} // namespace
 
 bool StringObject::isEqual(const Object* other) const
 {
@@ -63,47 +57,70 @@ bool StringObject::isEqual(const Object* other) const
 }
 
 NS::String* newString(std::string text) { return api(new StringObject(std::move(text))); }
-
-NS::String* autoreleasedString(std::string text)
-{
-    NS::String* result = newString(std::move(text));
-    NS::Private::autorelease(result);
-    return result;
-}
-
+NS::String* autoreleasedString(std::string text) { return autoreleased(new StringObject(std::move(text))); }
 std::string textOf(const NS::String* string) { return string ? stringOf(string) : std::string(); }
 
 } // namespace softmetal
 
 namespace NS {
 
-using softmetal::autoreleasedString;
-using softmetal::newString;
-using softmetal::stringOf;
+using namespace softmetal;
 
-String* String::alloc() { return newString({}); }
+// ---- making ----------------------------------------------------------------------------------------------------------
+
 String* String::string() { return autoreleasedString({}); }
-String* String::string(const String* text) { return autoreleasedString(softmetal::textOf(text)); }
-String* String::string(const char* text, StringEncoding encoding) { return autoreleasedString(softmetal::decoded(text, encoding)); }
+String* String::string(const String* text) { return autoreleasedString(textOf(text)); }
+
+String* String::string(const char* text, StringEncoding encoding)
+{
+    String* result = decodedString(text, encoding);
+    return result ? result->autorelease() : nullptr;
+}
+
+// Strings do not change: what alloc made gives way to the one with the text.
+String* String::alloc() { return newString({}); }
 String* String::init() { return this; }
 
 String* String::init(const String* text)
 {
-    release(); // strings do not change: what alloc made gives way to the one with the text
-    return newString(softmetal::textOf(text));
+    release();
+    return newString(textOf(text));
 }
 
 String* String::init(const char* text, StringEncoding encoding)
 {
     release();
-    return newString(softmetal::decoded(text, encoding));
+    return decodedString(text, encoding);
 }
+
+String* String::init(void* bytes, UInteger length, StringEncoding encoding, bool freeBuffer)
+{
+    release();
+    String* result = decodedString(static_cast<const char*>(bytes), length, encoding);
+    if (freeBuffer && result) std::free(bytes); // where it fails, the buffer stays the caller's
+    return result;
+}
+
+String* Private::constantString(const char* text)
+{
+    static std::mutex mutex;
+    static auto* constants = new std::map<std::string, StringObject*, std::less<>>; // never destroyed, as its strings
+    std::lock_guard lock(mutex);
+    auto [place, isNew] = constants->try_emplace(text, nullptr);
+    if (isNew) {
+        place->second = new StringObject(text);
+        place->second->makeImmortal();
+    }
+    return api(place->second);
+}
+
+// ---- reading ---------------------------------------------------------------------------------------------------------
 
 unichar String::character(UInteger index) const
 {
     const std::string& text = stringOf(this);
-    for (size_t position = 0; position < text.size();) {
-        uint32_t code = softmetal::nextCodePoint(text, position);
+    for (std::size_t position = 0; position < text.size();) {
+        char32_t code = nextCodePoint(text, position);
         if (code < 0x10000) {
             if (index-- == 0) return static_cast<unichar>(code);
             continue;
@@ -115,23 +132,59 @@ unichar String::character(UInteger index) const
     return 0;
 }
 
-UInteger String::length() const { return softmetal::utf16Length(stringOf(this)); }
-const char* String::cString(StringEncoding) const { return utf8String(); }
+UInteger String::length() const { return utf16Length(stringOf(this)); }
 const char* String::utf8String() const { return stringOf(this).c_str(); }
-UInteger String::lengthOfBytes(StringEncoding) const { return stringOf(this).size(); }
+const char* String::fileSystemRepresentation() const { return utf8String(); }
+
+const char* String::cString(StringEncoding encoding) const
+{
+    auto bytes = encode(stringOf(this), encoding);
+    if (!bytes) return nullptr;
+    if (*bytes == stringOf(this)) return utf8String();
+    return stringOf(autoreleasedString(*std::move(bytes))).c_str();
+}
+
+UInteger String::maximumLengthOfBytes(StringEncoding encoding) const
+{
+    switch (encoding) {
+    case UTF8StringEncoding: return 3 * length();
+    case ASCIIStringEncoding:
+    case ISOLatin1StringEncoding: return length();
+    default: return 0;
+    }
+}
+
+UInteger String::lengthOfBytes(StringEncoding encoding) const
+{
+    auto bytes = encode(stringOf(this), encoding);
+    return bytes ? bytes->size() : 0;
+}
+
+// ---- comparing -------------------------------------------------------------------------------------------------------
+
 bool String::isEqualToString(const String* other) const { return other && stringOf(this) == stringOf(other); }
+
+Range String::rangeOfString(const String* other, StringCompareOptions options) const
+{
+    bool ignoresCase = options & CaseInsensitiveSearch;
+    std::string text = ignoresCase ? lowered(stringOf(this)) : stringOf(this);
+    std::string part = ignoresCase ? lowered(textOf(other)) : textOf(other);
+    std::size_t at = part.empty() ? std::string::npos : find(text, part, options);
+    if (at == std::string::npos) return Range(static_cast<UInteger>(NotFound), 0);
+    return Range(utf16Length(std::string_view(text).substr(0, at)), utf16Length(part));
+}
 
 String* String::stringByAppendingString(const String* other) const
 {
-    return autoreleasedString(stringOf(this) + softmetal::textOf(other));
+    return autoreleasedString(stringOf(this) + textOf(other));
 }
 
-int String::caseInsensitiveCompare(const String* other) const
+ComparisonResult String::caseInsensitiveCompare(const String* other) const
 {
-    int order = strcasecmp(utf8String(), softmetal::textOf(other).c_str());
-    return (order > 0) - (order < 0);
+    int order = lowered(stringOf(this)).compare(lowered(textOf(other)));
+    return order < 0 ? OrderedAscending : order > 0 ? OrderedDescending : OrderedSame;
 }
 
-bool hasPrefix(const String* text, const char* prefix) { return softmetal::textOf(text).rfind(prefix, 0) == 0; }
+bool hasPrefix(const String* text, const char* prefix) { return text && stringOf(text).rfind(prefix, 0) == 0; }
 
 } // namespace NS

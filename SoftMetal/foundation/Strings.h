@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
+// Strings and errors, and what the other rooms need to make and read them.
 #pragma once
 
 #include "foundation/Object.h"
 
 #include <string>
-#include <string_view>
 
 namespace softmetal {
 
+/// Immutable; the text is valid UTF-8.
 class StringObject final : public ObjectOf<NS::String>
 {
 public:
@@ -16,7 +17,7 @@ public:
 
     const char* className() const override { return "NSString"; }
     std::string description() const override { return text_; }
-    Object* copy() const override;
+    Object* copy() const override { return sameAgain(*this); }
     bool isEqual(const Object* other) const override;
     NS::UInteger hash() const override { return std::hash<std::string>()(text_); }
 
@@ -34,7 +35,7 @@ std::string textOf(const NS::String* string);
 /// The caller owns the result; its localizedDescription is the message.
 NS::Error* newError(const char* domain, NS::Integer code, std::string message);
 
-/// Stores an autoreleased error where the caller of an API call wants it.
+/// Stores an autoreleased error where the caller of an API call wants it; where may be null.
 void report(NS::Error** where, const char* domain, NS::Integer code, std::string message);
 
 } // namespace softmetal

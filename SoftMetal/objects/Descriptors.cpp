@@ -11,7 +11,32 @@ Api* create()
     return reinterpret_cast<Api*>(static_cast<Object*>(new Implementation));
 }
 
+/// For properties that keep a copy of what they are set to.
+ObjectRef copied(const void* value) { return value ? ObjectRef::adopt(castObject(value)->copy()) : ObjectRef(); }
+
+/// For properties that are never nil: setting nil brings the default back.
+template <class Implementation>
+ObjectRef copiedOrNew(const void* value)
+{
+    return value ? copied(value) : ObjectRef::adopt(new Implementation);
+}
+
 } // namespace
+
+DepthStencilDescriptorObject::DepthStencilDescriptorObject()
+{
+    frontFaceStencil = ObjectRef::adopt(new StencilDescriptorObject);
+    backFaceStencil = ObjectRef::adopt(new StencilDescriptorObject);
+}
+
+DepthStencilDescriptorObject::DepthStencilDescriptorObject(const DepthStencilDescriptorObject& other) : ObjectOf<MTL::DepthStencilDescriptor>()
+{
+    depthCompareFunction = other.depthCompareFunction;
+    depthWriteEnabled = other.depthWriteEnabled;
+    frontFaceStencil = ObjectRef::adopt(other.frontFaceStencil->copy());
+    backFaceStencil = ObjectRef::adopt(other.backFaceStencil->copy());
+    label = other.label;
+}
 
 RenderPassDescriptorObject::RenderPassDescriptorObject()
 {
@@ -82,7 +107,7 @@ void MTL::SamplerDescriptor::setLodMaxClamp(float value) { cast<SamplerDescripto
 MTL::CompareFunction MTL::SamplerDescriptor::compareFunction() const { return cast<SamplerDescriptorObject>(this)->compareFunction; }
 void MTL::SamplerDescriptor::setCompareFunction(MTL::CompareFunction value) { cast<SamplerDescriptorObject>(this)->compareFunction = value; }
 NS::String* MTL::SamplerDescriptor::label() const { return reinterpret_cast<NS::String*>(cast<SamplerDescriptorObject>(this)->label.get()); }
-void MTL::SamplerDescriptor::setLabel(const NS::String* value) { cast<SamplerDescriptorObject>(this)->label = ObjectRef(castObject(value)); }
+void MTL::SamplerDescriptor::setLabel(const NS::String* value) { cast<SamplerDescriptorObject>(this)->label = copied(value); }
 
 MTL::SamplerDescriptor* MTL::SamplerDescriptor::alloc() { return create<MTL::SamplerDescriptor, SamplerDescriptorObject>(); }
 MTL::SamplerDescriptor* MTL::SamplerDescriptor::init() { return this; }
@@ -108,11 +133,11 @@ void MTL::DepthStencilDescriptor::setDepthCompareFunction(MTL::CompareFunction v
 bool MTL::DepthStencilDescriptor::depthWriteEnabled() const { return cast<DepthStencilDescriptorObject>(this)->depthWriteEnabled; }
 void MTL::DepthStencilDescriptor::setDepthWriteEnabled(bool value) { cast<DepthStencilDescriptorObject>(this)->depthWriteEnabled = value; }
 MTL::StencilDescriptor* MTL::DepthStencilDescriptor::frontFaceStencil() const { return reinterpret_cast<MTL::StencilDescriptor*>(cast<DepthStencilDescriptorObject>(this)->frontFaceStencil.get()); }
-void MTL::DepthStencilDescriptor::setFrontFaceStencil(const MTL::StencilDescriptor* value) { cast<DepthStencilDescriptorObject>(this)->frontFaceStencil = ObjectRef(castObject(value)); }
+void MTL::DepthStencilDescriptor::setFrontFaceStencil(const MTL::StencilDescriptor* value) { cast<DepthStencilDescriptorObject>(this)->frontFaceStencil = copiedOrNew<StencilDescriptorObject>(value); }
 MTL::StencilDescriptor* MTL::DepthStencilDescriptor::backFaceStencil() const { return reinterpret_cast<MTL::StencilDescriptor*>(cast<DepthStencilDescriptorObject>(this)->backFaceStencil.get()); }
-void MTL::DepthStencilDescriptor::setBackFaceStencil(const MTL::StencilDescriptor* value) { cast<DepthStencilDescriptorObject>(this)->backFaceStencil = ObjectRef(castObject(value)); }
+void MTL::DepthStencilDescriptor::setBackFaceStencil(const MTL::StencilDescriptor* value) { cast<DepthStencilDescriptorObject>(this)->backFaceStencil = copiedOrNew<StencilDescriptorObject>(value); }
 NS::String* MTL::DepthStencilDescriptor::label() const { return reinterpret_cast<NS::String*>(cast<DepthStencilDescriptorObject>(this)->label.get()); }
-void MTL::DepthStencilDescriptor::setLabel(const NS::String* value) { cast<DepthStencilDescriptorObject>(this)->label = ObjectRef(castObject(value)); }
+void MTL::DepthStencilDescriptor::setLabel(const NS::String* value) { cast<DepthStencilDescriptorObject>(this)->label = copied(value); }
 
 MTL::DepthStencilDescriptor* MTL::DepthStencilDescriptor::alloc() { return create<MTL::DepthStencilDescriptor, DepthStencilDescriptorObject>(); }
 MTL::DepthStencilDescriptor* MTL::DepthStencilDescriptor::init() { return this; }
@@ -184,9 +209,9 @@ MTL::RenderPassStencilAttachmentDescriptor* MTL::RenderPassStencilAttachmentDesc
 MTL::RenderPassStencilAttachmentDescriptor* MTL::RenderPassStencilAttachmentDescriptor::init() { return this; }
 
 MTL::RenderPassDepthAttachmentDescriptor* MTL::RenderPassDescriptor::depthAttachment() const { return reinterpret_cast<MTL::RenderPassDepthAttachmentDescriptor*>(cast<RenderPassDescriptorObject>(this)->depthAttachment.get()); }
-void MTL::RenderPassDescriptor::setDepthAttachment(const MTL::RenderPassDepthAttachmentDescriptor* value) { cast<RenderPassDescriptorObject>(this)->depthAttachment = ObjectRef(castObject(value)); }
+void MTL::RenderPassDescriptor::setDepthAttachment(const MTL::RenderPassDepthAttachmentDescriptor* value) { cast<RenderPassDescriptorObject>(this)->depthAttachment = copiedOrNew<RenderPassDepthAttachmentDescriptorObject>(value); }
 MTL::RenderPassStencilAttachmentDescriptor* MTL::RenderPassDescriptor::stencilAttachment() const { return reinterpret_cast<MTL::RenderPassStencilAttachmentDescriptor*>(cast<RenderPassDescriptorObject>(this)->stencilAttachment.get()); }
-void MTL::RenderPassDescriptor::setStencilAttachment(const MTL::RenderPassStencilAttachmentDescriptor* value) { cast<RenderPassDescriptorObject>(this)->stencilAttachment = ObjectRef(castObject(value)); }
+void MTL::RenderPassDescriptor::setStencilAttachment(const MTL::RenderPassStencilAttachmentDescriptor* value) { cast<RenderPassDescriptorObject>(this)->stencilAttachment = copiedOrNew<RenderPassStencilAttachmentDescriptorObject>(value); }
 MTL::Buffer* MTL::RenderPassDescriptor::visibilityResultBuffer() const { return reinterpret_cast<MTL::Buffer*>(cast<RenderPassDescriptorObject>(this)->visibilityResultBuffer.get()); }
 void MTL::RenderPassDescriptor::setVisibilityResultBuffer(const MTL::Buffer* value) { cast<RenderPassDescriptorObject>(this)->visibilityResultBuffer = ObjectRef(castObject(value)); }
 NS::UInteger MTL::RenderPassDescriptor::renderTargetArrayLength() const { return cast<RenderPassDescriptorObject>(this)->renderTargetArrayLength; }
@@ -224,13 +249,13 @@ MTL::RenderPipelineColorAttachmentDescriptor* MTL::RenderPipelineColorAttachment
 MTL::RenderPipelineColorAttachmentDescriptor* MTL::RenderPipelineColorAttachmentDescriptor::init() { return this; }
 
 NS::String* MTL::RenderPipelineDescriptor::label() const { return reinterpret_cast<NS::String*>(cast<RenderPipelineDescriptorObject>(this)->label.get()); }
-void MTL::RenderPipelineDescriptor::setLabel(const NS::String* value) { cast<RenderPipelineDescriptorObject>(this)->label = ObjectRef(castObject(value)); }
+void MTL::RenderPipelineDescriptor::setLabel(const NS::String* value) { cast<RenderPipelineDescriptorObject>(this)->label = copied(value); }
 MTL::Function* MTL::RenderPipelineDescriptor::vertexFunction() const { return reinterpret_cast<MTL::Function*>(cast<RenderPipelineDescriptorObject>(this)->vertexFunction.get()); }
 void MTL::RenderPipelineDescriptor::setVertexFunction(const MTL::Function* value) { cast<RenderPipelineDescriptorObject>(this)->vertexFunction = ObjectRef(castObject(value)); }
 MTL::Function* MTL::RenderPipelineDescriptor::fragmentFunction() const { return reinterpret_cast<MTL::Function*>(cast<RenderPipelineDescriptorObject>(this)->fragmentFunction.get()); }
 void MTL::RenderPipelineDescriptor::setFragmentFunction(const MTL::Function* value) { cast<RenderPipelineDescriptorObject>(this)->fragmentFunction = ObjectRef(castObject(value)); }
 MTL::VertexDescriptor* MTL::RenderPipelineDescriptor::vertexDescriptor() const { return reinterpret_cast<MTL::VertexDescriptor*>(cast<RenderPipelineDescriptorObject>(this)->vertexDescriptor.get()); }
-void MTL::RenderPipelineDescriptor::setVertexDescriptor(const MTL::VertexDescriptor* value) { cast<RenderPipelineDescriptorObject>(this)->vertexDescriptor = ObjectRef(castObject(value)); }
+void MTL::RenderPipelineDescriptor::setVertexDescriptor(const MTL::VertexDescriptor* value) { cast<RenderPipelineDescriptorObject>(this)->vertexDescriptor = copied(value); }
 NS::UInteger MTL::RenderPipelineDescriptor::sampleCount() const { return rasterSampleCount(); }
 void MTL::RenderPipelineDescriptor::setSampleCount(NS::UInteger value) { setRasterSampleCount(value); }
 NS::UInteger MTL::RenderPipelineDescriptor::rasterSampleCount() const { return cast<RenderPipelineDescriptorObject>(this)->rasterSampleCount; }
@@ -282,7 +307,7 @@ MTL::TextureDescriptor* MTL::TextureDescriptor::alloc() { return create<MTL::Tex
 MTL::TextureDescriptor* MTL::TextureDescriptor::init() { return this; }
 
 NS::Dictionary* MTL::CompileOptions::preprocessorMacros() const { return reinterpret_cast<NS::Dictionary*>(cast<CompileOptionsObject>(this)->preprocessorMacros.get()); }
-void MTL::CompileOptions::setPreprocessorMacros(const NS::Dictionary* value) { cast<CompileOptionsObject>(this)->preprocessorMacros = ObjectRef(castObject(value)); }
+void MTL::CompileOptions::setPreprocessorMacros(const NS::Dictionary* value) { cast<CompileOptionsObject>(this)->preprocessorMacros = copied(value); }
 bool MTL::CompileOptions::fastMathEnabled() const { return cast<CompileOptionsObject>(this)->fastMathEnabled; }
 void MTL::CompileOptions::setFastMathEnabled(bool value) { cast<CompileOptionsObject>(this)->fastMathEnabled = value; }
 MTL::LanguageVersion MTL::CompileOptions::languageVersion() const { return cast<CompileOptionsObject>(this)->languageVersion; }
@@ -298,7 +323,7 @@ void MTL::CaptureDescriptor::setCaptureObject(id value) { cast<CaptureDescriptor
 MTL::CaptureDestination MTL::CaptureDescriptor::destination() const { return cast<CaptureDescriptorObject>(this)->destination; }
 void MTL::CaptureDescriptor::setDestination(MTL::CaptureDestination value) { cast<CaptureDescriptorObject>(this)->destination = value; }
 NS::URL* MTL::CaptureDescriptor::outputURL() const { return reinterpret_cast<NS::URL*>(cast<CaptureDescriptorObject>(this)->outputURL.get()); }
-void MTL::CaptureDescriptor::setOutputURL(const NS::URL* value) { cast<CaptureDescriptorObject>(this)->outputURL = ObjectRef(castObject(value)); }
+void MTL::CaptureDescriptor::setOutputURL(const NS::URL* value) { cast<CaptureDescriptorObject>(this)->outputURL = copied(value); }
 
 MTL::CaptureDescriptor* MTL::CaptureDescriptor::alloc() { return create<MTL::CaptureDescriptor, CaptureDescriptorObject>(); }
 MTL::CaptureDescriptor* MTL::CaptureDescriptor::init() { return this; }

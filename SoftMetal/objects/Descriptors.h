@@ -89,9 +89,11 @@ class DepthStencilDescriptorObject final : public ObjectOf<MTL::DepthStencilDesc
 public:
     MTL::CompareFunction depthCompareFunction = MTL::CompareFunctionAlways;
     bool depthWriteEnabled = {};
-    Ref<Object> frontFaceStencil;
-    Ref<Object> backFaceStencil;
+    Ref<Object> frontFaceStencil; // never null
+    Ref<Object> backFaceStencil;  // never null
     Ref<Object> label;
+    DepthStencilDescriptorObject();
+    DepthStencilDescriptorObject(const DepthStencilDescriptorObject& other);
 
     const char* className() const override { return "MTLDepthStencilDescriptor"; }
     Object* copy() const override { return copyOf(*this); }
@@ -142,6 +144,7 @@ class RenderPassColorAttachmentDescriptorObject final : public RenderPassAttachm
 public:
     MTL::ClearColor clearColor = {0, 0, 0, 1};
 
+    RenderPassColorAttachmentDescriptorObject() { storeAction = MTL::StoreActionStore; }
     const char* className() const override { return "MTLRenderPassColorAttachmentDescriptor"; }
     Object* copy() const override { return copyOf(*this); }
 };
@@ -152,6 +155,7 @@ public:
     double clearDepth = 1.0;
     MTL::MultisampleDepthResolveFilter depthResolveFilter = {};
 
+    RenderPassDepthAttachmentDescriptorObject() { loadAction = MTL::LoadActionClear; }
     const char* className() const override { return "MTLRenderPassDepthAttachmentDescriptor"; }
     Object* copy() const override { return copyOf(*this); }
 };
@@ -162,6 +166,7 @@ public:
     uint32_t clearStencil = {};
     MTL::MultisampleStencilResolveFilter stencilResolveFilter = {};
 
+    RenderPassStencilAttachmentDescriptorObject() { loadAction = MTL::LoadActionClear; }
     const char* className() const override { return "MTLRenderPassStencilAttachmentDescriptor"; }
     Object* copy() const override { return copyOf(*this); }
 };

@@ -2,9 +2,7 @@
 #include "objects/Resources.h"
 
 #include "formats/PixelFormat.h"
-#include "foundation/Strings.h"
 #include "inspect/Inspect.h"
-#include "texturing/Copy.h"
 #include "texturing/Sampling.h"
 
 #include <algorithm>
@@ -19,6 +17,8 @@ namespace {
 constexpr size_t Alignment = 64, Slack = 64;
 constexpr uint64_t LargestTexture = uint64_t{1} << 34; // bytes
 
+std::atomic<uint64_t> bytesAllocated{0};
+
 uint64_t roundUp(uint64_t value, uint64_t step) { return (value + step - 1) / step * step; }
 
 uint64_t nextRegistryId()
@@ -28,6 +28,7 @@ uint64_t nextRegistryId()
 }
 
 bool isCube(MTL::TextureType type) { return type == MTL::TextureTypeCube || type == MTL::TextureTypeCubeArray; }
+bool isArray(MTL::TextureType type) { return type == MTL::TextureType1DArray || type == MTL::TextureType2DArray || type == MTL::TextureTypeCubeArray; }
 bool isOneDimensional(MTL::TextureType type) { return type == MTL::TextureType1D || type == MTL::TextureType1DArray; }
 
 /// Lays out all levels; returns the bytes needed.
@@ -58,73 +59,115 @@ DeviceObject::DeviceObject(std::string deviceName, bool hasDepth24, bool records
 {
 }
 
-Memory::Memory(size_t bytes)
+Memory::Memory(size_t bytes) : length_(bytes)
 {
-    size_t size = roundUp(bytes + Slack, Alignment);
-    data_ = static_cast<uint8_t*>(std::aligned_alloc(Alignment, size));
-    if (!data_) throw std::bad_alloc();
-    std::memset(data_, 0, size);
+    // calloc hands out large blocks zeroed by the system, page by page as they are touched.
+    allocation_ = std::calloc(bytes + Slack + Alignment, 1);
+    if (!allocation_) throw std::bad_alloc();
+    data_ = reinterpret_cast<uint8_t*>(roundUp(reinterpret_cast<uintptr_t>(allocation_), Alignment));
+    bytesAllocated.fetch_add(bytes, std::memory_order_relaxed);
 }
 
-Memory::~Memory() { std::free(data_); }
+Memory::Memory(void* bytes, size_t length, Release release) : data_(static_cast<uint8_t*>(bytes)), length_(length), release_(std::move(release)) {}
+
+Memory::~Memory()
+{
+    if (release_) release_(data_, length_);
+    if (!allocation_) return;
+    bytesAllocated.fetch_sub(length_, std::memory_order_relaxed);
+    std::free(allocation_);
+}
+
+uint64_t Memory::allocated() { return bytesAllocated.load(std::memory_order_relaxed); }
 
 BufferObject::BufferObject(DeviceObject* owner, size_t bytes, MTL::ResourceOptions resourceOptions)
     : Labelled(owner), length(bytes), options(resourceOptions), memory(bytes)
 {
 }
 
+BufferObject::BufferObject(DeviceObject* owner, void* bytes, size_t size, MTL::ResourceOptions resourceOptions, Memory::Release release)
+    : Labelled(owner), length(size), options(resourceOptions), memory(bytes, size, std::move(release))
+{
+}
+
 // ---- textures ------------------------------------------------------------------------------------------------------------
 
-TextureObject* TextureObject::make(DeviceObject* owner, const TextureDescriptorObject& d, std::string& why)
+namespace {
+
+constexpr NS::UInteger LargestSide = 16384, LargestDepth = 2048, LongestArray = 2048;
+
+NS::UInteger longestChain(const TextureDescriptorObject& d)
 {
-    const auto* format = formats::pixelFormatInfo(static_cast<uint32_t>(d.pixelFormat));
-    NS::UInteger largest = std::max({d.width, d.height, d.depth}), chain = 1;
-    while (largest >> chain) ++chain;
-    if (!format) why = "the pixel format (" + std::to_string(d.pixelFormat) + ") is not one that this device has";
-    else if (d.width == 0 || d.height == 0 || d.depth == 0) why = "width, height and depth must not be zero";
-    else if (largest > 16384 || (d.textureType == MTL::TextureType3D && largest > 2048)) why = "the texture is larger than 16384 texels, or 2048 for 3D";
-    else if (d.mipmapLevelCount == 0 || d.mipmapLevelCount > std::min<NS::UInteger>(chain, abi::MaxLevels)) why = "the number of mip levels does not fit the size";
-    else if (isOneDimensional(d.textureType) && d.mipmapLevelCount > 1) why = "a 1D texture has one mip level";
-    else if (d.arrayLength == 0 || d.arrayLength > 2048) why = "the array length must be 1 to 2048";
-    else if (isCube(d.textureType) && d.width != d.height) why = "a cube texture must be square";
-    else if (d.textureType != MTL::TextureType3D && d.depth != 1) why = "only 3D textures have a depth other than 1";
-    else if (isOneDimensional(d.textureType) && d.height != 1) why = "a 1D texture has a height of 1";
-    else if (d.sampleCount != 1) why = "textures of several samples are not supported";
-    if (!why.empty()) return nullptr;
+    if (isOneDimensional(d.textureType)) return 1;
+    NS::UInteger largest = std::max({d.width, d.height, d.depth}), levels = 1;
+    while (largest >> levels) ++levels;
+    return std::min<NS::UInteger>(levels, abi::MaxLevels);
+}
+
+/// Every rule that a texture's description must meet.
+bool describable(const DeviceObject& device, const TextureDescriptorObject& d)
+{
+    using inspect::require;
+    using inspect::Rule;
+    auto within = [](NS::UInteger value, NS::UInteger limit) { return value >= 1 && value <= limit; };
+    bool known = formats::pixelFormatInfo(static_cast<uint32_t>(d.pixelFormat)) && (device.depth24Stencil8 || d.pixelFormat != MTL::PixelFormatDepth24Unorm_Stencil8);
+    bool several = d.textureType == MTL::TextureType2DMultisample || d.textureType == MTL::TextureType2DMultisampleArray;
+    NS::UInteger side = d.textureType == MTL::TextureType3D ? LargestDepth : LargestSide;
+    NS::UInteger chain = longestChain(d), longest = isArray(d.textureType) ? LongestArray : 1;
+    return require(known, Rule::TextureFormat, d.pixelFormat) &&
+           require(!several && d.sampleCount == 1 && d.textureType <= MTL::TextureType3D, Rule::TextureSamples, d.textureType, d.sampleCount) &&
+           require(within(d.width, side) && within(d.height, side) && within(d.depth, side), Rule::TextureSize, d.width, d.height, d.depth, side) &&
+           require(within(d.mipmapLevelCount, chain), Rule::TextureLevels, d.mipmapLevelCount, chain) &&
+           require(within(d.arrayLength, longest), Rule::TextureArray, d.arrayLength, longest) &&
+           require(!isCube(d.textureType) || d.width == d.height, Rule::TextureCube, d.width, d.height) &&
+           require(d.textureType == MTL::TextureType3D || d.depth == 1, Rule::TextureDepth, d.depth) &&
+           require(!isOneDimensional(d.textureType) || d.height == 1, Rule::TextureOneDimensional, d.height) &&
+           require(d.storageMode <= MTL::StorageModePrivate, Rule::TextureStorage, d.storageMode);
+}
+
+} // namespace
+
+TextureObject* TextureObject::make(DeviceObject* owner, const TextureDescriptorObject& d)
+{
+    if (!describable(*owner, d)) return nullptr;
     abi::Texture probe{};
     probe.width = narrow(d.width);
     probe.height = narrow(d.height);
     probe.depth = narrow(d.depth);
     probe.levelCount = narrow(d.mipmapLevelCount);
-    uint64_t bytes = layOut(probe, format->bytes, narrow(d.arrayLength) * (isCube(d.textureType) ? 6 : 1), nullptr);
-    if (bytes > LargestTexture) {
-        why = "there is not enough memory";
-        return nullptr;
-    }
+    uint32_t slices = narrow(d.arrayLength) * (isCube(d.textureType) ? 6 : 1);
+    uint64_t bytes = layOut(probe, formats::pixelFormatInfo(static_cast<uint32_t>(d.pixelFormat))->bytes, slices, nullptr);
+    std::shared_ptr<Memory> memory;
     try {
-        return new TextureObject(owner, d, std::make_shared<Memory>(bytes));
+        if (bytes <= LargestTexture) memory = std::make_shared<Memory>(bytes);
     } catch (const std::bad_alloc&) {
-        why = "there is not enough memory";
-        return nullptr;
+        memory = nullptr;
     }
+    if (!inspect::require(memory != nullptr, inspect::Rule::TextureMemory, bytes)) return nullptr;
+    return new TextureObject(owner, d, std::move(memory));
 }
 
 TextureObject::TextureObject(DeviceObject* owner, const TextureDescriptorObject& d, std::shared_ptr<Memory> storage)
     : Labelled(owner), description(d), memory(std::move(storage))
 {
-    view.type = static_cast<uint32_t>(d.textureType);
-    view.format = static_cast<uint32_t>(d.pixelFormat);
-    view.width = narrow(d.width);
-    view.height = narrow(d.height);
-    view.depth = narrow(d.depth);
-    view.arrayLength = narrow(d.arrayLength);
-    view.levelCount = narrow(d.mipmapLevelCount);
-    view.sampleCount = 1;
-    const MTL::TextureSwizzleChannels& s = d.swizzle;
-    const uint8_t swizzle[4] = {s.red, s.green, s.blue, s.alpha};
-    std::memcpy(view.swizzle, swizzle, 4);
+    describeTo(view);
     layOut(view, formats::pixelFormatInfo(view.format)->bytes, slices(), memory->data());
     texturing::prepareTexture(view);
+}
+
+void TextureObject::describeTo(abi::Texture& to) const
+{
+    to.type = static_cast<uint32_t>(description.textureType);
+    to.format = static_cast<uint32_t>(description.pixelFormat);
+    to.width = narrow(description.width);
+    to.height = narrow(description.height);
+    to.depth = narrow(description.depth);
+    to.arrayLength = narrow(description.arrayLength);
+    to.levelCount = narrow(description.mipmapLevelCount);
+    to.sampleCount = 1;
+    const MTL::TextureSwizzleChannels& s = description.swizzle;
+    const uint8_t swizzle[4] = {s.red, s.green, s.blue, s.alpha};
+    std::memcpy(to.swizzle, swizzle, 4);
 }
 
 uint32_t TextureObject::slices() const { return narrow(description.arrayLength) * (isCube(description.textureType) ? 6 : 1); }
@@ -135,6 +178,67 @@ bool TextureObject::inside(const MTL::Region& r, NS::UInteger level, NS::UIntege
     const abi::TextureLevel& l = view.levels[level];
     auto fits = [](NS::UInteger origin, NS::UInteger size, uint32_t limit) { return origin <= limit && size <= limit - origin; };
     return fits(r.origin.x, r.size.width, l.width) && fits(r.origin.y, r.size.height, l.height) && fits(r.origin.z, r.size.depth, l.depth);
+}
+
+// ---- views ------------------------------------------------------------------------------------------------------------------
+
+namespace {
+
+/// Whether slices of one texture make a texture of the other type.
+bool viewable(MTL::TextureType from, MTL::TextureType to, NS::UInteger slices)
+{
+    if (from == MTL::TextureType3D || to == MTL::TextureType3D) return from == to;
+    if (isOneDimensional(from) != isOneDimensional(to)) return false;
+    if (to == MTL::TextureTypeCube) return slices == 6;
+    if (to == MTL::TextureTypeCubeArray) return slices % 6 == 0;
+    return to <= MTL::TextureType3D && to != MTL::TextureType2DMultisample && (isArray(to) || slices == 1);
+}
+
+/// The sRGB and the linear format of the same texels count as one.
+uint32_t withoutTransfer(const formats::PixelFormatInfo& format)
+{
+    return format.component == formats::Component::Srgb ? format.format - 1 : format.format;
+}
+
+} // namespace
+
+TextureObject* TextureObject::makeView(MTL::PixelFormat format, MTL::TextureType type, NS::Range levels, NS::Range range, MTL::TextureSwizzleChannels swizzle)
+{
+    using inspect::require;
+    using inspect::Rule;
+    const auto *ours = formats::pixelFormatInfo(view.format), *wanted = formats::pixelFormatInfo(static_cast<uint32_t>(format));
+    auto fits = [](NS::Range r, NS::UInteger limit) { return r.length > 0 && r.location < limit && r.length <= limit - r.location; };
+    bool sameKind = wanted && wanted->bytes == ours->bytes && wanted->isDepthOrStencil() == ours->isDepthOrStencil();
+    if (!require(sameKind, Rule::TextureViewFormat, format, *this)) return nullptr;
+    if (!require(fits(levels, view.levelCount) && fits(range, slices()), Rule::TextureViewRange, *this, levels.location, levels.location + levels.length,
+                 range.location, range.location + range.length))
+        return nullptr;
+    if (!require(viewable(description.textureType, type, range.length), Rule::TextureViewType, *this, description.textureType, type, range.length)) return nullptr;
+    bool mayDiffer = (description.usage & MTL::TextureUsagePixelFormatView) != 0 || withoutTransfer(*ours) == withoutTransfer(*wanted);
+    require(mayDiffer, Rule::TextureViewUsage, *this, format);
+
+    auto* result = new TextureObject(device.get(), description, memory);
+    result->parent = Ref<TextureObject>(this);
+    result->parentLevel = levels.location;
+    result->parentSlice = range.location;
+    result->framebufferOnly = framebufferOnly;
+    const abi::TextureLevel& first = view.levels[levels.location];
+    TextureDescriptorObject& d = result->description;
+    d.pixelFormat = format;
+    d.textureType = type;
+    d.swizzle = swizzle;
+    d.mipmapLevelCount = levels.length;
+    d.arrayLength = isCube(type) ? range.length / 6 : range.length;
+    d.width = first.width;
+    d.height = first.height;
+    d.depth = first.depth;
+    result->describeTo(result->view);
+    for (NS::UInteger i = 0; i < levels.length; ++i) {
+        result->view.levels[i] = view.levels[levels.location + i];
+        result->view.levels[i].data += range.location * result->view.levels[i].slicePitch;
+    }
+    texturing::prepareTexture(result->view);
+    return result;
 }
 
 // ---- states ----------------------------------------------------------------------------------------------------------------
@@ -154,29 +258,35 @@ SamplerStateObject::SamplerStateObject(DeviceObject* owner, const SamplerDescrip
     state.maxAnisotropy = static_cast<uint8_t>(std::clamp<NS::UInteger>(d.maxAnisotropy, 1, 16));
     state.lodMinClamp = d.lodMinClamp;
     state.lodMaxClamp = d.lodMaxClamp;
-    if (d.normalizedCoordinates) return;
-    // Pixel coordinates go with neither repetition nor mip levels.
-    if (state.mipFilter != MTL::SamplerMipFilterNotMipmapped)
-        inspect::report("sampler.pixel-mip", "newSamplerState: a sampler with pixel coordinates must not use mip levels (mipFilter must be NotMipmapped)");
-    bool repeats = false;
-    for (uint8_t* mode : {&state.sAddress, &state.tAddress, &state.rAddress}) {
-        bool allowed = *mode == MTL::SamplerAddressModeClampToEdge || *mode == MTL::SamplerAddressModeClampToZero;
-        repeats |= !allowed;
-        if (!allowed) *mode = MTL::SamplerAddressModeClampToEdge;
-    }
-    if (repeats)
-        inspect::report("sampler.pixel-address", "newSamplerState: a sampler with pixel coordinates must clamp (address modes ClampToEdge or ClampToZero)");
+    using inspect::require;
+    using inspect::Rule;
+    require(d.maxAnisotropy >= 1 && d.maxAnisotropy <= 16, Rule::SamplerAnisotropy, d.maxAnisotropy, *this);
+    require(d.lodMinClamp <= d.lodMaxClamp, Rule::SamplerLod, static_cast<double>(d.lodMinClamp), static_cast<double>(d.lodMaxClamp), *this);
+    if (!d.normalizedCoordinates) limitToPixels();
+}
+
+/// Pixel coordinates go with neither repetition nor mip levels.
+void SamplerStateObject::limitToPixels()
+{
+    using inspect::require;
+    using inspect::Rule;
+    auto clamps = [](uint8_t mode) { return mode == MTL::SamplerAddressModeClampToEdge || mode == MTL::SamplerAddressModeClampToZero; };
+    require(state.mipFilter == MTL::SamplerMipFilterNotMipmapped, Rule::SamplerPixelMip, *this, state.mipFilter);
+    require(state.minFilter == state.magFilter, Rule::SamplerPixelFilter, *this, state.minFilter, state.magFilter);
+    require(clamps(state.sAddress) && clamps(state.tAddress) && clamps(state.rAddress), Rule::SamplerPixelAddress, *this, state.sAddress, state.tAddress,
+            state.rAddress);
+    for (uint8_t* mode : {&state.sAddress, &state.tAddress, &state.rAddress})
+        if (!clamps(*mode)) *mode = MTL::SamplerAddressModeClampToEdge;
     state.mipFilter = MTL::SamplerMipFilterNotMipmapped;
     state.maxAnisotropy = 1;
 }
 
 namespace {
 
-raster::StencilState stencilState(const Object* object)
+raster::StencilState stencilState(const Object& object)
 {
     raster::StencilState result;
-    if (!object) return result;
-    const auto& d = *static_cast<const StencilDescriptorObject*>(object);
+    const auto& d = static_cast<const StencilDescriptorObject&>(object);
     result.compareFunction = static_cast<uint8_t>(d.stencilCompareFunction);
     result.failOperation = static_cast<uint8_t>(d.stencilFailureOperation);
     result.depthFailOperation = static_cast<uint8_t>(d.depthFailureOperation);
@@ -186,6 +296,12 @@ raster::StencilState stencilState(const Object* object)
     return result;
 }
 
+bool hasEffect(const raster::StencilState& s)
+{
+    return s.compareFunction != MTL::CompareFunctionAlways || s.failOperation != MTL::StencilOperationKeep || s.depthFailOperation != MTL::StencilOperationKeep ||
+           s.passOperation != MTL::StencilOperationKeep;
+}
+
 } // namespace
 
 DepthStencilStateObject::DepthStencilStateObject(DeviceObject* owner, const DepthStencilDescriptorObject& d) : Labelled(owner)
@@ -193,9 +309,9 @@ DepthStencilStateObject::DepthStencilStateObject(DeviceObject* owner, const Dept
     label = d.label;
     state.depthCompare = static_cast<uint8_t>(d.depthCompareFunction);
     state.depthWrite = d.depthWriteEnabled;
-    state.stencilEnabled = d.frontFaceStencil || d.backFaceStencil;
-    state.front = stencilState(d.frontFaceStencil.get());
-    state.back = stencilState(d.backFaceStencil.get());
+    state.front = stencilState(*d.frontFaceStencil);
+    state.back = stencilState(*d.backFaceStencil);
+    state.stencilEnabled = hasEffect(state.front) || hasEffect(state.back);
 }
 
 } // namespace softmetal

@@ -2,14 +2,16 @@
 #include "window/Layer.h"
 
 #include "formats/PixelFormat.h"
-#include "foundation/Strings.h"
-#include "inspect/Inspect.h"
 
 #include <chrono>
 
 using namespace softmetal;
 
 namespace softmetal {
+
+using inspect::require;
+using inspect::Rule;
+
 namespace {
 
 constexpr uint64_t MostDrawables = 3;
@@ -17,64 +19,123 @@ constexpr auto LongestWait = std::chrono::seconds(1);
 
 double now() { return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count(); }
 
+/// All pixels of level 0, as RGBA8Unorm.
+std::vector<uint8_t> pixelsOf(const abi::Texture& view)
+{
+    const auto &format = *formats::pixelFormatInfo(view.format), &rgba8 = *formats::pixelFormatInfo(MTL::PixelFormatRGBA8Unorm);
+    std::vector<uint8_t> pixels(size_t{4} * view.width * view.height);
+    uint8_t* to = pixels.data();
+    for (uint32_t y = 0; y < view.height; ++y) {
+        const uint8_t* row = view.levels[0].data + static_cast<size_t>(y) * view.levels[0].rowPitch;
+        for (uint32_t x = 0; x < view.width; ++x, to += 4) {
+            float rgba[4];
+            formats::unpack(format, row + static_cast<size_t>(x) * format.bytes, rgba);
+            formats::pack(rgba8, rgba, to);
+        }
+    }
+    return pixels;
+}
+
 } // namespace
 
 // ---- drawable --------------------------------------------------------------------------------------------------------------
 
 DrawableObject::DrawableObject(LayerObject* owner, Ref<TextureObject> image, uint64_t number) : layer(owner), texture(std::move(image)), id(number) {}
-DrawableObject::~DrawableObject() { layer->giveBack(std::move(texture)); }
+DrawableObject::~DrawableObject() { layer->giveBack(texture); }
 
 void DrawableObject::presentNow()
 {
-    presentedTime = now();
+    std::vector<MTL::DrawablePresentedHandlerFunction> handlers;
     layer->show(texture);
+    {
+        std::lock_guard lock(mutex_);
+        presentedTime_ = now();
+        handlers.swap(handlers_);
+    }
     for (const auto& handler : handlers) handler(api(this));
+}
+
+void DrawableObject::addHandler(const MTL::DrawablePresentedHandlerFunction& function)
+{
+    std::lock_guard lock(mutex_);
+    handlers_.push_back(function);
+}
+
+double DrawableObject::presentedTime()
+{
+    std::lock_guard lock(mutex_);
+    return presentedTime_;
 }
 
 // ---- layer ---------------------------------------------------------------------------------------------------------------
 
-bool LayerObject::fits(const TextureObject& texture) const
+const void* LayerObject::deviceIdentity() const
 {
-    return texture.view.width == static_cast<uint32_t>(size.width) && texture.view.height == static_cast<uint32_t>(size.height) &&
-           texture.description.pixelFormat == pixelFormat;
+    std::lock_guard lock(mutex_);
+    return properties_.device ? properties_.device->deviceIdentity() : nullptr;
 }
 
-TextureObject* LayerObject::makeTexture()
+LayerObject::Properties LayerObject::properties() const
+{
+    std::lock_guard lock(mutex_);
+    return properties_;
+}
+
+void LayerObject::viewSizeIs(CGSize size)
+{
+    change([&](Properties& p) {
+        if (!p.sizeIsSet) p.size = size;
+    });
+}
+
+bool LayerObject::fits(const TextureObject& texture) const
+{
+    return texture.view.width == static_cast<uint32_t>(properties_.size.width) && texture.view.height == static_cast<uint32_t>(properties_.size.height) &&
+           texture.description.pixelFormat == properties_.pixelFormat && texture.framebufferOnly == properties_.framebufferOnly &&
+           texture.device.get() == properties_.device.get();
+}
+
+TextureObject* LayerObject::makeTexture() const
 {
     TextureDescriptorObject d;
-    d.pixelFormat = pixelFormat;
-    d.width = static_cast<NS::UInteger>(size.width);
-    d.height = static_cast<NS::UInteger>(size.height);
+    d.pixelFormat = properties_.pixelFormat;
+    d.width = static_cast<NS::UInteger>(properties_.size.width);
+    d.height = static_cast<NS::UInteger>(properties_.size.height);
     d.storageMode = MTL::StorageModePrivate;
-    d.usage = framebufferOnly ? MTL::TextureUsageRenderTarget : MTL::TextureUsageRenderTarget | MTL::TextureUsageShaderRead;
-    std::string why;
-    return TextureObject::make(device.get(), d, why);
+    d.usage = properties_.framebufferOnly ? MTL::TextureUsageRenderTarget : MTL::TextureUsageRenderTarget | MTL::TextureUsageShaderRead;
+    TextureObject* texture = TextureObject::make(properties_.device.get(), d);
+    if (texture) texture->framebufferOnly = properties_.framebufferOnly;
+    return texture;
 }
 
 DrawableObject* LayerObject::next()
 {
-    if (!device || size.width < 1 || size.height < 1 || inspect::fails("nextDrawable")) return nullptr;
+    if (inspect::fails("nextDrawable")) return nullptr;
     std::unique_lock lock(mutex_);
+    CGSize size = properties_.size;
+    if (!require(properties_.device.get() != nullptr, Rule::LayerNoDevice)) return nullptr;
+    if (!require(size.width >= 1 && size.height >= 1, Rule::LayerSize, size.width, size.height)) return nullptr;
     if (!returned_.wait_for(lock, LongestWait, [this] { return inUse_ < MostDrawables; })) return nullptr;
     std::erase_if(free_, [this](const Ref<TextureObject>& t) { return !fits(*t); });
     Ref<TextureObject> texture;
-    if (!free_.empty()) {
+    if (free_.empty()) {
+        texture = Ref<TextureObject>::adopt(makeTexture());
+    } else {
         texture = std::move(free_.back());
         free_.pop_back();
-    } else {
-        texture = Ref<TextureObject>::adopt(makeTexture());
     }
     if (!texture) return nullptr;
     ++inUse_;
     return new DrawableObject(this, std::move(texture), serial_++);
 }
 
-void LayerObject::giveBack(Ref<TextureObject> texture)
+void LayerObject::giveBack(const Ref<TextureObject>& texture)
 {
     {
         std::lock_guard lock(mutex_);
         --inUse_;
-        if (fits(*texture)) free_.push_back(std::move(texture));
+        if (texture.get() == shown_.get()) shownIsReturned_ = true;
+        else free_.push_back(texture);
     }
     returned_.notify_one();
 }
@@ -83,9 +144,10 @@ void LayerObject::show(const Ref<TextureObject>& texture)
 {
     std::lock_guard lock(mutex_);
     ++presents_;
-    const abi::TextureLevel& level = texture->view.levels[0];
-    shown_.assign(level.data, level.data + level.planePitch);
-    shownTexture_ = texture;
+    if (texture.get() == shown_.get()) return;
+    if (shown_ && shownIsReturned_) free_.push_back(shown_);
+    shown_ = texture;
+    shownIsReturned_ = false;
 }
 
 SoftMetal::Presented LayerObject::presented()
@@ -93,20 +155,10 @@ SoftMetal::Presented LayerObject::presented()
     std::lock_guard lock(mutex_);
     SoftMetal::Presented result;
     result.count = presents_;
-    if (!shownTexture_) return result;
-    const abi::Texture& view = shownTexture_->view;
-    const auto& format = *formats::pixelFormatInfo(view.format);
-    result.width = view.width;
-    result.height = view.height;
-    for (uint32_t y = 0; y < view.height; ++y) {
-        for (uint32_t x = 0; x < view.width; ++x) {
-            float rgba[4];
-            formats::unpack(format, shown_.data() + static_cast<size_t>(y) * view.levels[0].rowPitch + static_cast<size_t>(x) * format.bytes, rgba);
-            uint8_t bytes[4];
-            formats::pack(*formats::pixelFormatInfo(70), rgba, bytes);
-            result.rgba.insert(result.rgba.end(), bytes, bytes + 4);
-        }
-    }
+    if (!shown_) return result;
+    result.width = shown_->view.width;
+    result.height = shown_->view.height;
+    result.rgba = pixelsOf(shown_->view);
     return result;
 }
 
@@ -114,19 +166,40 @@ SoftMetal::Presented LayerObject::presented()
 
 // ---- API -----------------------------------------------------------------------------------------------------------------
 
+using Properties = LayerObject::Properties;
+
 CA::MetalLayer* CA::MetalLayer::layer() { return autoreleased(new LayerObject); }
-MTL::Device* CA::MetalLayer::device() const { return api(cast<LayerObject>(this)->device.get()); }
-void CA::MetalLayer::setDevice(MTL::Device* device) { cast<LayerObject>(this)->device = Ref<DeviceObject>(cast<DeviceObject>(device)); }
-MTL::PixelFormat CA::MetalLayer::pixelFormat() const { return cast<LayerObject>(this)->pixelFormat; }
-void CA::MetalLayer::setPixelFormat(MTL::PixelFormat format) { cast<LayerObject>(this)->pixelFormat = format; }
-bool CA::MetalLayer::framebufferOnly() const { return cast<LayerObject>(this)->framebufferOnly; }
-void CA::MetalLayer::setFramebufferOnly(bool only) { cast<LayerObject>(this)->framebufferOnly = only; }
-CGSize CA::MetalLayer::drawableSize() const { return cast<LayerObject>(this)->size; }
+MTL::Device* CA::MetalLayer::device() const { return api(cast<LayerObject>(this)->properties().device.get()); }
+MTL::PixelFormat CA::MetalLayer::pixelFormat() const { return cast<LayerObject>(this)->properties().pixelFormat; }
+bool CA::MetalLayer::framebufferOnly() const { return cast<LayerObject>(this)->properties().framebufferOnly; }
+CGSize CA::MetalLayer::drawableSize() const { return cast<LayerObject>(this)->properties().size; }
+
+void CA::MetalLayer::setDevice(MTL::Device* device)
+{
+    Ref<DeviceObject> taken(cast<DeviceObject>(device));
+    cast<LayerObject>(this)->change([&](Properties& p) { p.device = taken; });
+    inspect::note(this, "setDevice", inspect::arg("device", static_cast<const void*>(device)));
+}
+
+void CA::MetalLayer::setPixelFormat(MTL::PixelFormat format)
+{
+    inspect::note(this, "setPixelFormat", inspect::arg("format", format));
+    cast<LayerObject>(this)->change([&](Properties& p) { p.pixelFormat = format; });
+}
+
+void CA::MetalLayer::setFramebufferOnly(bool only)
+{
+    inspect::note(this, "setFramebufferOnly", inspect::arg("only", only));
+    cast<LayerObject>(this)->change([&](Properties& p) { p.framebufferOnly = only; });
+}
 
 void CA::MetalLayer::setDrawableSize(CGSize size)
 {
     inspect::note(this, "setDrawableSize", inspect::arg("width", size.width), inspect::arg("height", size.height));
-    cast<LayerObject>(this)->size = size;
+    cast<LayerObject>(this)->change([&](Properties& p) {
+        p.size = size;
+        p.sizeIsSet = true;
+    });
 }
 
 CA::MetalDrawable* CA::MetalLayer::nextDrawable()
@@ -141,9 +214,9 @@ MTL::Texture* CA::MetalDrawable::texture() const { return api(cast<DrawableObjec
 void MTL::Drawable::present() { cast<DrawableObject>(this)->presentNow(); }
 void MTL::Drawable::presentAtTime(CFTimeInterval) { present(); }
 void MTL::Drawable::presentAfterMinimumDuration(CFTimeInterval) { present(); }
-CFTimeInterval MTL::Drawable::presentedTime() const { return cast<DrawableObject>(this)->presentedTime; }
+CFTimeInterval MTL::Drawable::presentedTime() const { return cast<DrawableObject>(this)->presentedTime(); }
 NS::UInteger MTL::Drawable::drawableID() const { return cast<DrawableObject>(this)->id; }
-void MTL::Drawable::addPresentedHandler(const DrawablePresentedHandlerFunction& function) { cast<DrawableObject>(this)->handlers.push_back(function); }
+void MTL::Drawable::addPresentedHandler(const DrawablePresentedHandlerFunction& function) { cast<DrawableObject>(this)->addHandler(function); }
 
 void NSView::setWantsLayer(bool wantsLayer) { cast<ViewObject>(this)->wantsLayer = wantsLayer; }
 
@@ -151,17 +224,11 @@ void NSView::setLayer(CA::MetalLayer* layer)
 {
     auto& view = *cast<ViewObject>(this);
     view.layer = Ref<LayerObject>(cast<LayerObject>(layer));
-    if (view.layer && view.layer->size.width == 0) view.layer->size = view.size; // a layer takes its view's size at first
+    if (view.layer) view.layer->viewSizeIs(view.size);
 }
 
 CGRect NSView::bounds() const { return CGRect{{0, 0}, cast<ViewObject>(this)->size}; }
 void NSView::setPostsFrameChangedNotifications(bool posts) { cast<ViewObject>(this)->postsFrameChanges = posts; }
-
-CFStringRef NSViewFrameDidChangeNotificationName()
-{
-    static NS::String* name = newString("NSViewFrameDidChangeNotification");
-    return reinterpret_cast<CFStringRef>(name);
-}
 
 namespace SoftMetal {
 
@@ -176,8 +243,9 @@ void setViewSize(NSView* view, double width, double height)
 {
     auto& object = *cast<ViewObject>(view);
     object.size = {width, height};
+    if (object.layer) object.layer->viewSizeIs(object.size);
     if (object.postsFrameChanges)
-        CFNotificationCenterPostNotification(CFNotificationCenterGetLocalCenter(), NSViewFrameDidChangeNotificationName(), view, nullptr, true);
+        CFNotificationCenterPostNotification(CFNotificationCenterGetLocalCenter(), NSViewFrameDidChangeNotification, view, nullptr, true);
 }
 
 CA::MetalLayer* layerOf(NSView* view) { return api(cast<ViewObject>(view)->layer.get()); }

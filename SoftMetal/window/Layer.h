@@ -22,40 +22,62 @@ public:
     ~DrawableObject() override; // gives the texture back to the layer
     const char* className() const override { return "CAMetalDrawable"; }
     void presentNow() override;
+    void addHandler(const MTL::DrawablePresentedHandlerFunction& function);
+    double presentedTime();
 
-    Ref<LayerObject> layer;
-    Ref<TextureObject> texture;
+    const Ref<LayerObject> layer;
+    const Ref<TextureObject> texture;
     const uint64_t id;
-    std::vector<MTL::DrawablePresentedHandlerFunction> handlers;
-    double presentedTime = 0;
+
+private:
+    std::mutex mutex_; // guards what follows: presentation is the queue thread's
+    std::vector<MTL::DrawablePresentedHandlerFunction> handlers_;
+    double presentedTime_ = 0;
 };
 
-class LayerObject final : public ObjectOf<CA::MetalLayer>
+/// Hands out textures of its size and format, at most three at a time, and keeps the one presented last from being drawn
+/// to until another takes its place.
+class LayerObject final : public ObjectOf<CA::MetalLayer>, public inspect::Described
 {
 public:
     const char* className() const override { return "CAMetalLayer"; }
+    const void* deviceIdentity() const override;
+    std::string labelText() const override { return "(layer)"; }
+
+    struct Properties
+    {
+        Ref<DeviceObject> device;
+        MTL::PixelFormat pixelFormat = MTL::PixelFormatBGRA8Unorm;
+        bool framebufferOnly = true;
+        CGSize size{0, 0};
+        bool sizeIsSet = false; // else it follows the view's
+    };
+    Properties properties() const;
+    template <class Function>
+    void change(Function function)
+    {
+        std::lock_guard lock(mutex_);
+        function(properties_);
+    }
+    void viewSizeIs(CGSize size);
 
     /// Null when there is no device, the size is empty, or all textures stay in use for a second.
     DrawableObject* next();
-    void giveBack(Ref<TextureObject> texture);
+    void giveBack(const Ref<TextureObject>& texture);
     void show(const Ref<TextureObject>& texture);
     SoftMetal::Presented presented();
 
-    Ref<DeviceObject> device;
-    MTL::PixelFormat pixelFormat = MTL::PixelFormatBGRA8Unorm;
-    bool framebufferOnly = true;
-    CGSize size{0, 0};
-
 private:
     bool fits(const TextureObject& texture) const;
-    TextureObject* makeTexture();
+    TextureObject* makeTexture() const;
 
-    std::mutex mutex_;
+    mutable std::mutex mutex_; // guards everything
     std::condition_variable returned_;
+    Properties properties_;
     std::vector<Ref<TextureObject>> free_;
     uint64_t inUse_ = 0, serial_ = 0, presents_ = 0;
-    std::vector<uint8_t> shown_; // texels of the last frame presented
-    Ref<TextureObject> shownTexture_;
+    Ref<TextureObject> shown_; // presented last
+    bool shownIsReturned_ = false;
 };
 
 class ViewObject final : public ObjectOf<NSView>

@@ -116,6 +116,18 @@ TEST_F(RunningExamples, HostTexturesAreDrawnIntoAndCopied)
     other->release();
 }
 
+TEST_F(RunningExamples, APassDescriptorWithoutAStateTakesTheContexts)
+{
+    MTL::Texture* color = newTexture();
+    EXPECT_EQ(exampleHostTextures(context, color), 0);
+    MTL::RenderPassDescriptor* descriptor = ZALMetalContextNewRenderDescriptor(nullptr, context);
+    ASSERT_NE(descriptor, nullptr);
+    EXPECT_EQ(descriptor->colorAttachments()->object(0)->texture(), color);
+    EXPECT_EQ(descriptor->depthAttachment()->texture(), nullptr);
+    descriptor->release();
+    color->release();
+}
+
 TEST_F(RunningExamples, ATextureWithoutAnImageHasNoMetalTexture)
 {
     void* found = &found;

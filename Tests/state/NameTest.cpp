@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // Object names and the stores behind them.
+#include "foundation/Allocate.h"
 #include "support/BareContext.h"
 
 #include <gtest/gtest.h>
@@ -121,6 +122,41 @@ TEST_P(Names, ContextsWithoutSharingCountForThemselves)
     generate(2);
     BareContext other;
     EXPECT_EQ(generate(1), std::vector<GLuint>{1});
+}
+
+/// No memory for the containers while it lives.
+class OutOfMemory
+{
+public:
+    OutOfMemory()
+    {
+        ZALM::g_allocator.allocate = [](size_t) -> void* { return nullptr; };
+        ZALM::g_allocator.reallocate = [](void*, size_t) -> void* { return nullptr; };
+    }
+    ~OutOfMemory() { ZALM::g_allocator = before_; }
+
+private:
+    ZALM::Allocator before_ = ZALM::g_allocator;
+};
+
+TEST_P(Names, AStoreWithoutMemoryHandsOutZeroAndGoesOn)
+{
+    kind.nextName(bare.objects()) = 10;
+    std::vector<GLuint> names(8);
+    {
+        OutOfMemory none;
+        kind.generate(8, names.data()); // a store may have cells left, never eight
+    }
+    EXPECT_EQ(names.back(), 0u);
+    EXPECT_EQ(glGetError(), GLenum(GL_NO_ERROR));
+    EXPECT_EQ(generate(1), std::vector<GLuint>{18}); // the names that failed are spent
+}
+
+TEST(ContextObjects, WithoutMemoryThereIsNoDefaultFramebuffer)
+{
+    OutOfMemory none;
+    ZALGLContextObjects objects;
+    EXPECT_EQ(objects.framebuffers.Find(0), nullptr);
 }
 
 struct ObjectNames : ::testing::Test

@@ -2,6 +2,7 @@
 // What metal-cpp lacks: the view that a layer is attached to. The interface is the same on every platform.
 #pragma once
 
+#include <CoreGraphics/CGGeometry.h>
 #include <Foundation/Foundation.hpp>
 
 namespace CA
@@ -18,5 +19,5 @@ public:
     void setPostsFrameChangedNotifications(bool posts);
 };
 
-/// Name of the notification that a view posts when its frame has changed.
-SOFTMETAL_API CFStringRef NSViewFrameDidChangeNotificationName();
+/// Name of the notification that a view posts when its frame has changed; the view is its object.
+extern "C" SOFTMETAL_API const CFStringRef NSViewFrameDidChangeNotification;

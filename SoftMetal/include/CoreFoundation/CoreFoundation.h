@@ -14,6 +14,8 @@ typedef signed long CFIndex;
 typedef unsigned char Boolean;
 typedef double CFTimeInterval;
 typedef const void* CFTypeRef;
+typedef unsigned long CFHashCode;
+typedef const struct __CFAllocator* CFAllocatorRef; /* null: the only one */
 /* Toll-free: the same object as an NS::String, NS::Dictionary. */
 typedef const struct __CFString* CFStringRef;
 typedef const struct __CFDictionary* CFDictionaryRef;
@@ -32,6 +34,34 @@ typedef struct CGRect
     CGPoint origin;
     CGSize size;
 } CGRect;
+
+/* ---- objects ---------------------------------------------------------------------------------------------------- */
+
+SOFTMETAL_CF_EXTERN CFTypeRef CFRetain(CFTypeRef object);
+SOFTMETAL_CF_EXTERN void CFRelease(CFTypeRef object);
+SOFTMETAL_CF_EXTERN CFIndex CFGetRetainCount(CFTypeRef object);
+SOFTMETAL_CF_EXTERN Boolean CFEqual(CFTypeRef a, CFTypeRef b);
+SOFTMETAL_CF_EXTERN CFHashCode CFHash(CFTypeRef object);
+
+/* ---- strings ---------------------------------------------------------------------------------------------------- */
+
+typedef uint32_t CFStringEncoding;
+enum
+{
+    kCFStringEncodingISOLatin1 = 0x0201,
+    kCFStringEncodingASCII = 0x0600,
+    kCFStringEncodingUTF8 = 0x08000100
+};
+
+/* A string that is made once and lives for ever. */
+#define CFSTR(literal) __CFStringMakeConstantString("" literal "")
+SOFTMETAL_CF_EXTERN CFStringRef __CFStringMakeConstantString(const char* text);
+/* The caller owns the result; null where the text is not valid in the encoding. */
+SOFTMETAL_CF_EXTERN CFStringRef CFStringCreateWithCString(CFAllocatorRef allocator, const char* text,
+                                                          CFStringEncoding encoding);
+SOFTMETAL_CF_EXTERN CFIndex CFStringGetLength(CFStringRef string); /* in UTF-16 units */
+/* Null where the text is not stored in the encoding: ask for UTF-8. Lives as long as the string. */
+SOFTMETAL_CF_EXTERN const char* CFStringGetCStringPtr(CFStringRef string, CFStringEncoding encoding);
 
 /* ---- notifications: delivered at once, on the thread that posts ------------------------------------------------- */
 
@@ -56,6 +86,7 @@ SOFTMETAL_CF_EXTERN void CFNotificationCenterAddObserver(CFNotificationCenterRef
                                                          CFNotificationSuspensionBehavior suspensionBehavior);
 SOFTMETAL_CF_EXTERN void CFNotificationCenterRemoveObserver(CFNotificationCenterRef center, const void* observer,
                                                             CFNotificationName name, const void* object);
+SOFTMETAL_CF_EXTERN void CFNotificationCenterRemoveEveryObserver(CFNotificationCenterRef center, const void* observer);
 SOFTMETAL_CF_EXTERN void CFNotificationCenterPostNotification(CFNotificationCenterRef center, CFNotificationName name,
                                                               const void* object, CFDictionaryRef userInfo,
                                                               Boolean deliverImmediately);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "NSEnumerator.hpp"
 #include "NSObject.hpp"
 
 namespace NS
@@ -22,10 +23,17 @@ public:
     {
         return static_cast<Class*>(objectFor(key));
     }
+    /// The keys, in the order in which they were given.
+    template <class Class = Object>
+    Enumerator<Class>* keyEnumerator() const
+    {
+        return static_cast<Enumerator<Class>*>(keys());
+    }
     UInteger count() const;
 
 private:
     Object* objectFor(const Object* key) const;
+    Object* keys() const;
 };
 
 }

@@ -3,6 +3,7 @@
 // reference count is the object's. Nothing can be derived from these classes, and none is made but by alloc() or a call.
 #pragma once
 
+#include "NSObjCRuntime.hpp"
 #include "NSTypes.hpp"
 
 namespace NS
@@ -31,6 +32,7 @@ public:
         return static_cast<Class*>(this);
     }
     void release() { Private::release(this); }
+    /// Releases when the thread's innermost pool is drained.
     Class* autorelease()
     {
         Private::autorelease(this);
@@ -47,21 +49,9 @@ public:
     Class* copy() const { return static_cast<Class*>(Private::copy(this)); }
 };
 
-class SOFTMETAL_API Object
+class SOFTMETAL_API Object : public Referencing<Object, objc_object>
 {
 public:
-    Object* retain()
-    {
-        Private::retain(this);
-        return this;
-    }
-    void release() { Private::release(this); }
-    Object* autorelease()
-    {
-        Private::autorelease(this);
-        return this;
-    }
-    UInteger retainCount() const { return Private::retainCount(this); }
     UInteger hash() const;
     bool isEqual(const Object* object) const;
     String* description() const;

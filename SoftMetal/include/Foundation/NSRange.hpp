@@ -8,9 +8,8 @@ namespace NS
 
 struct Range
 {
-    UInteger location = 0, length = 0;
+    UInteger location, length;
 
-    Range() = default;
     Range(UInteger loc, UInteger len) : location(loc), length(len) {}
     static Range Make(UInteger loc, UInteger len) { return Range(loc, len); }
     bool Equal(const Range& range) const { return location == range.location && length == range.length; }

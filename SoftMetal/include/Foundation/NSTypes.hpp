@@ -9,7 +9,10 @@
 #define SOFTMETAL_API __attribute__((visibility("default")))
 
 /// Any API object, where a call takes objects of several classes.
-struct objc_object;
+struct objc_object
+{
+    objc_object() = delete;
+};
 using id = objc_object*;
 
 namespace NS
@@ -22,5 +25,10 @@ using UInteger = std::uintptr_t;
 inline constexpr Integer IntegerMax = INTPTR_MAX;
 inline constexpr Integer IntegerMin = INTPTR_MIN;
 inline constexpr UInteger UIntegerMax = UINTPTR_MAX;
+
+struct OperatingSystemVersion
+{
+    Integer majorVersion, minorVersion, patchVersion;
+};
 
 }

@@ -13,8 +13,9 @@ public:
     static URL* fileURLWithPath(const String* path);
     static URL* alloc();
     URL* init();
+    URL* init(const String* string); // "file:///tmp/a%20b"; another scheme has no file system representation
     URL* initFileURLWithPath(const String* path);
-    const char* fileSystemRepresentation() const;
+    const char* fileSystemRepresentation() const; // lives as long as the URL
 };
 
 }

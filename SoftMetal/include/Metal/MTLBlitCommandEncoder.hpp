@@ -12,21 +12,14 @@ class Fence;
 class Resource;
 class Texture;
 
-enum BlitOption : NS::UInteger
+using BlitOption = NS::UInteger; // any of:
+enum : BlitOption
 {
     BlitOptionNone = 0,
     BlitOptionDepthFromDepthStencil = 1,
     BlitOptionStencilFromDepthStencil = 2,
     BlitOptionRowLinearPVRTC = 4,
 };
-constexpr BlitOption operator|(BlitOption a, BlitOption b)
-{
-    return static_cast<BlitOption>(static_cast<NS::UInteger>(a) | static_cast<NS::UInteger>(b));
-}
-constexpr BlitOption operator&(BlitOption a, BlitOption b)
-{
-    return static_cast<BlitOption>(static_cast<NS::UInteger>(a) & static_cast<NS::UInteger>(b));
-}
 
 class SOFTMETAL_API BlitCommandEncoder : public NS::Referencing<BlitCommandEncoder, CommandEncoder>
 {

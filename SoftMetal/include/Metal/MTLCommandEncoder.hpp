@@ -7,6 +7,22 @@ namespace MTL
 {
 class Device;
 
+using ResourceUsage = NS::UInteger; // any of:
+enum : ResourceUsage
+{
+    ResourceUsageRead = 1,
+    ResourceUsageWrite = 2,
+    ResourceUsageSample = 4,
+};
+
+using BarrierScope = NS::UInteger; // any of:
+enum : BarrierScope
+{
+    BarrierScopeBuffers = 1,
+    BarrierScopeTextures = 2,
+    BarrierScopeRenderTargets = 4,
+};
+
 class SOFTMETAL_API CommandEncoder : public NS::Referencing<CommandEncoder>
 {
 public:

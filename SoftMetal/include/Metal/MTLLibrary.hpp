@@ -4,12 +4,28 @@
 #include "MTLArgument.hpp"
 #include <Foundation/Foundation.hpp>
 
+#include <functional>
+
 namespace MTL
 {
 class CompileOptions;
 class Device;
 class Function;
 class FunctionConstantValues;
+
+/// A vertex attribute that a vertex function declares.
+class SOFTMETAL_API VertexAttribute : public NS::Referencing<VertexAttribute>
+{
+public:
+    static VertexAttribute* alloc();
+    VertexAttribute* init();
+    NS::String* name() const;
+    NS::UInteger attributeIndex() const;
+    DataType attributeType() const;
+    bool active() const; // false where a function constant switches it off
+    bool patchData() const;
+    bool patchControlPointData() const;
+};
 
 enum FunctionType : NS::UInteger
 {
@@ -20,6 +36,18 @@ enum FunctionType : NS::UInteger
     FunctionTypeIntersection = 6,
     FunctionTypeMesh = 7,
     FunctionTypeObject = 8,
+};
+
+/// A function constant that a function declares.
+class SOFTMETAL_API FunctionConstant : public NS::Referencing<FunctionConstant>
+{
+public:
+    static FunctionConstant* alloc();
+    FunctionConstant* init();
+    NS::String* name() const;
+    DataType type() const;
+    NS::UInteger index() const;
+    bool required() const;
 };
 
 enum LanguageVersion : NS::UInteger
@@ -53,7 +81,9 @@ public:
     void setLabel(const NS::String* label);
     Device* device() const;
     FunctionType functionType() const;
+    NS::Array* vertexAttributes() const; // of VertexAttribute; null when there are none
     NS::String* name() const;
+    NS::Dictionary* functionConstantsDictionary() const; // FunctionConstant by name
 };
 
 class SOFTMETAL_API CompileOptions : public NS::Copying<CompileOptions>
@@ -79,6 +109,8 @@ public:
     Device* device() const;
     Function* newFunction(const NS::String* functionName);
     Function* newFunction(const NS::String* name, const FunctionConstantValues* constantValues, NS::Error** error);
+    void newFunction(const NS::String* name, const FunctionConstantValues* constantValues,
+                     const std::function<void(Function* function, NS::Error* error)>& completionHandler);
     NS::Array* functionNames() const;
 };
 

@@ -14,6 +14,7 @@ class Buffer;
 class DepthStencilState;
 class Fence;
 class RenderPipelineState;
+class Resource;
 class SamplerState;
 class Texture;
 
@@ -70,7 +71,8 @@ enum TriangleFillMode : NS::UInteger
     TriangleFillModeLines = 1,
 };
 
-enum RenderStages : NS::UInteger
+using RenderStages = NS::UInteger; // any of:
+enum : RenderStages
 {
     RenderStageVertex = 1,
     RenderStageFragment = 2,
@@ -78,14 +80,6 @@ enum RenderStages : NS::UInteger
     RenderStageObject = 8,
     RenderStageMesh = 16,
 };
-constexpr RenderStages operator|(RenderStages a, RenderStages b)
-{
-    return static_cast<RenderStages>(static_cast<NS::UInteger>(a) | static_cast<NS::UInteger>(b));
-}
-constexpr RenderStages operator&(RenderStages a, RenderStages b)
-{
-    return static_cast<RenderStages>(static_cast<NS::UInteger>(a) & static_cast<NS::UInteger>(b));
-}
 
 class SOFTMETAL_API RenderCommandEncoder : public NS::Referencing<RenderCommandEncoder, CommandEncoder>
 {
@@ -93,6 +87,7 @@ public:
     void setRenderPipelineState(const RenderPipelineState* pipelineState);
     void setVertexBytes(const void* bytes, NS::UInteger length, NS::UInteger index);
     void setVertexBuffer(const Buffer* buffer, NS::UInteger offset, NS::UInteger index);
+    void setVertexBufferOffset(NS::UInteger offset, NS::UInteger index);
     void setVertexBuffers(const Buffer* const buffers[], const NS::UInteger offsets[], NS::Range range);
     void setVertexTexture(const Texture* texture, NS::UInteger index);
     void setVertexTextures(const Texture* const textures[], NS::Range range);
@@ -109,6 +104,7 @@ public:
     void setTriangleFillMode(TriangleFillMode fillMode);
     void setFragmentBytes(const void* bytes, NS::UInteger length, NS::UInteger index);
     void setFragmentBuffer(const Buffer* buffer, NS::UInteger offset, NS::UInteger index);
+    void setFragmentBufferOffset(NS::UInteger offset, NS::UInteger index);
     void setFragmentBuffers(const Buffer* const buffers[], const NS::UInteger offsets[], NS::Range range);
     void setFragmentTexture(const Texture* texture, NS::UInteger index);
     void setFragmentTextures(const Texture* const textures[], NS::Range range);
@@ -137,6 +133,12 @@ public:
     void textureBarrier();
     void updateFence(const Fence* fence, RenderStages stages);
     void waitForFence(const Fence* fence, RenderStages stages);
+    void useResource(const Resource* resource, ResourceUsage usage);
+    void useResources(const Resource* const resources[], NS::UInteger count, ResourceUsage usage);
+    void useResource(const Resource* resource, ResourceUsage usage, RenderStages stages);
+    void useResources(const Resource* const resources[], NS::UInteger count, ResourceUsage usage, RenderStages stages);
+    void memoryBarrier(BarrierScope scope, RenderStages after, RenderStages before);
+    void memoryBarrier(const Resource* const resources[], NS::UInteger count, RenderStages after, RenderStages before);
 };
 
 } // namespace MTL

@@ -45,7 +45,8 @@ enum BlendOperation : NS::UInteger
     BlendOperationMax = 4,
 };
 
-enum ColorWriteMask : NS::UInteger
+using ColorWriteMask = NS::UInteger; // any of:
+enum : ColorWriteMask
 {
     ColorWriteMaskNone = 0,
     ColorWriteMaskRed = 8,
@@ -54,14 +55,6 @@ enum ColorWriteMask : NS::UInteger
     ColorWriteMaskAlpha = 1,
     ColorWriteMaskAll = 15,
 };
-constexpr ColorWriteMask operator|(ColorWriteMask a, ColorWriteMask b)
-{
-    return static_cast<ColorWriteMask>(static_cast<NS::UInteger>(a) | static_cast<NS::UInteger>(b));
-}
-constexpr ColorWriteMask operator&(ColorWriteMask a, ColorWriteMask b)
-{
-    return static_cast<ColorWriteMask>(static_cast<NS::UInteger>(a) & static_cast<NS::UInteger>(b));
-}
 
 enum PrimitiveTopologyClass : NS::UInteger
 {

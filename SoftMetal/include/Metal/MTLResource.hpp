@@ -36,7 +36,8 @@ enum HazardTrackingMode : NS::UInteger
     HazardTrackingModeTracked = 2,
 };
 
-enum ResourceOptions : NS::UInteger
+using ResourceOptions = NS::UInteger; // any of:
+enum : ResourceOptions
 {
     ResourceCPUCacheModeDefaultCache = 0,
     ResourceCPUCacheModeWriteCombined = 1,
@@ -50,14 +51,6 @@ enum ResourceOptions : NS::UInteger
     ResourceOptionCPUCacheModeDefault = 0,
     ResourceOptionCPUCacheModeWriteCombined = 1,
 };
-constexpr ResourceOptions operator|(ResourceOptions a, ResourceOptions b)
-{
-    return static_cast<ResourceOptions>(static_cast<NS::UInteger>(a) | static_cast<NS::UInteger>(b));
-}
-constexpr ResourceOptions operator&(ResourceOptions a, ResourceOptions b)
-{
-    return static_cast<ResourceOptions>(static_cast<NS::UInteger>(a) & static_cast<NS::UInteger>(b));
-}
 
 class SOFTMETAL_API Resource : public NS::Referencing<Resource>
 {

@@ -38,21 +38,14 @@ enum TextureSwizzle : uint8_t
 
 struct TextureSwizzleChannels
 {
-    TextureSwizzle red = TextureSwizzleRed, green = TextureSwizzleGreen, blue = TextureSwizzleBlue,
-                   alpha = TextureSwizzleAlpha;
-
-    TextureSwizzleChannels() = default;
-    TextureSwizzleChannels(TextureSwizzle r, TextureSwizzle g, TextureSwizzle b, TextureSwizzle a)
-        : red(r), green(g), blue(b), alpha(a)
-    {}
-    static TextureSwizzleChannels Default() { return {}; }
-    static TextureSwizzleChannels Make(TextureSwizzle r, TextureSwizzle g, TextureSwizzle b, TextureSwizzle a)
-    {
-        return {r, g, b, a};
-    }
+    TextureSwizzle red = TextureSwizzleRed;
+    TextureSwizzle green = TextureSwizzleGreen;
+    TextureSwizzle blue = TextureSwizzleBlue;
+    TextureSwizzle alpha = TextureSwizzleAlpha;
 };
 
-enum TextureUsage : NS::UInteger
+using TextureUsage = NS::UInteger; // any of:
+enum : TextureUsage
 {
     TextureUsageUnknown = 0,
     TextureUsageShaderRead = 1,
@@ -61,14 +54,6 @@ enum TextureUsage : NS::UInteger
     TextureUsagePixelFormatView = 16,
     TextureUsageShaderAtomic = 32,
 };
-constexpr TextureUsage operator|(TextureUsage a, TextureUsage b)
-{
-    return static_cast<TextureUsage>(static_cast<NS::UInteger>(a) | static_cast<NS::UInteger>(b));
-}
-constexpr TextureUsage operator&(TextureUsage a, TextureUsage b)
-{
-    return static_cast<TextureUsage>(static_cast<NS::UInteger>(a) & static_cast<NS::UInteger>(b));
-}
 
 class SOFTMETAL_API TextureDescriptor : public NS::Copying<TextureDescriptor>
 {
@@ -126,6 +111,7 @@ public:
     NS::UInteger sampleCount() const;
     NS::UInteger arrayLength() const;
     TextureUsage usage() const;
+    /// pixelBytes is written to, const as it is.
     void getBytes(const void* pixelBytes, NS::UInteger bytesPerRow, NS::UInteger bytesPerImage, Region region,
                   NS::UInteger level, NS::UInteger slice);
     void replaceRegion(Region region, NS::UInteger level, NS::UInteger slice, const void* pixelBytes,

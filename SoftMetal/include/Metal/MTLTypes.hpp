@@ -50,4 +50,15 @@ struct Region
     }
 };
 
+/// A position inside a pixel, from 0 to 1.
+struct SamplePosition
+{
+    float x = 0, y = 0;
+
+    SamplePosition() = default;
+    SamplePosition(float px, float py) : x(px), y(py) {}
+    static SamplePosition Make(float x, float y) { return SamplePosition(x, y); }
+};
+using Coordinate2D = SamplePosition;
+
 } // namespace MTL

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <CoreGraphics/CGGeometry.h>
 #include <Foundation/Foundation.hpp>
-
 #include <Metal/MTLPixelFormat.hpp>
 
 namespace MTL

@@ -5,6 +5,9 @@
 #include "shader/Intrinsics.h"
 #include "shader/codegen/Codegen.h"
 
+#include <llvm/ADT/STLExtras.h>
+#include <llvm/IR/InstIterator.h>
+#include <llvm/IR/Instructions.h>
 #include <llvm/Passes/PassBuilder.h>
 #include <llvm/Transforms/IPO/AlwaysInliner.h>
 #include <llvm/Transforms/IPO/GlobalDCE.h>
@@ -69,7 +72,10 @@ FunctionPassManager scalarPasses()
     loops.addPass(LoopFullUnrollPass(2, true));
     passes.addPass(createFunctionToLoopPassAdaptor(std::move(loops)));
     passes.addPass(SROAPass(SROAOptions::ModifyCFG));
-    passes.addPass(ScalarizerPass());
+    ScalarizerPassOptions whole;
+    whole.ScalarizeVariableInsertExtract = true;
+    whole.ScalarizeLoadStore = true;
+    passes.addPass(ScalarizerPass(whole));
     passes.addPass(GVNPass());
     passes.addPass(InstCombinePass());
     passes.addPass(ADCEPass());
@@ -78,10 +84,31 @@ FunctionPassManager scalarPasses()
     return passes;
 }
 
+/// Takes the results of texture accesses apart where they are made, so that no vector lives on in a phi.
+struct TakeApartPass : PassInfoMixin<TakeApartPass>
+{
+    PreservedAnalyses run(llvm::Function& function, FunctionAnalysisManager&)
+    {
+        for (Instruction& i : instructions(function))
+            if (isa<CallInst>(i) && i.getType()->isVectorTy()) takeApart(i);
+        return PreservedAnalyses::none();
+    }
+
+private:
+    static void takeApart(Instruction& access)
+    {
+        for (User* user : make_early_inc_range(access.users())) {
+            auto* element = dyn_cast<ExtractElementInst>(user);
+            if (element && isa<ConstantInt>(element->getIndexOperand())) element->moveAfter(&access);
+        }
+    }
+};
+
 /// The form that widening expects: one return, two-way branches, simple loops whose results leave through phis.
 FunctionPassManager shapePasses()
 {
     FunctionPassManager passes;
+    passes.addPass(TakeApartPass());
     passes.addPass(LowerSwitchPass());
     passes.addPass(FixIrreduciblePass());
     passes.addPass(UnifyFunctionExitNodesPass());

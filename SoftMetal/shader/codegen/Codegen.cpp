@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "shader/codegen/Codegen.h"
 
+#include "shader/Intrinsics.h"
 #include "shader/codegen/Passes.h"
 #include "shader/widen/Widen.h"
 
@@ -24,18 +25,23 @@ using Clock = std::chrono::steady_clock;
 
 double milliseconds(Clock::time_point since) { return std::chrono::duration<double, std::milli>(Clock::now() - since).count(); }
 
+constexpr uint64_t DefaultLoopLimit = 1u << 20;
+
 uint64_t loopLimit()
 {
     const char* text = std::getenv("SOFTMETAL_SHADER_LIMIT");
     uint64_t value = text ? std::strtoull(text, nullptr, 10) : 0;
-    return value > 0 ? value : 1u << 20;
+    return value > 0 ? value : DefaultLoopLimit;
 }
 
 /// One function's place in the linker.
 class LinkedCode final : public Code
 {
 public:
-    LinkedCode(std::shared_ptr<orc::LLJIT> jit, orc::JITDylib* library, void* address) : jit_(std::move(jit)), library_(library), address_(address) {}
+    LinkedCode(std::shared_ptr<orc::LLJIT> jit, orc::JITDylib* library, void* address)
+        : jit_(std::move(jit)), library_(library), address_(address)
+    {
+    }
     ~LinkedCode() override { consumeError(jit_->getExecutionSession().removeJITDylib(*library_)); }
     void* address() const override { return address_; }
 
@@ -45,66 +51,114 @@ private:
     void* address_;
 };
 
+/// Target machines that nobody uses at the moment; each serves one thread at a time.
+class MachinePool
+{
+public:
+    explicit MachinePool(orc::JITTargetMachineBuilder builder) : builder_(std::move(builder)) {}
+
+    std::unique_ptr<TargetMachine> take()
+    {
+        std::lock_guard lock(mutex_);
+        if (idle_.empty()) return cantFail(builder_.createTargetMachine()); // it could be made before
+        auto machine = std::move(idle_.back());
+        idle_.pop_back();
+        return machine;
+    }
+
+    void giveBack(std::unique_ptr<TargetMachine> machine)
+    {
+        std::lock_guard lock(mutex_);
+        idle_.push_back(std::move(machine));
+    }
+
+private:
+    orc::JITTargetMachineBuilder builder_;
+    std::mutex mutex_;
+    std::vector<std::unique_ptr<TargetMachine>> idle_;
+};
+
 class LlvmGenerator final : public Generator
 {
 public:
-    LlvmGenerator(const abi::RuntimeTable& runtime, uint32_t lanes, orc::JITTargetMachineBuilder builder, std::unique_ptr<TargetMachine> machine,
-                  std::shared_ptr<orc::LLJIT> jit)
-        : runtime_(runtime), lanes_(lanes), builder_(std::move(builder)), machine_(std::move(machine)), jit_(std::move(jit)), limit_(loopLimit())
+    LlvmGenerator(const abi::RuntimeTable& runtime, uint32_t lanes, const orc::JITTargetMachineBuilder& builder, std::shared_ptr<orc::LLJIT> jit)
+        : runtime_(runtime), lanes_(lanes), machines_(builder), jit_(std::move(jit)), limit_(loopLimit())
     {
     }
 
     std::unique_ptr<Code> generate(Module& module, Stage stage, CompileTimes& times, std::string& error) override
     {
-        std::lock_guard lock(mutex_); // one target machine serves all
         auto start = Clock::now();
-        module.setTargetTriple(machine_->getTargetTriple().str());
-        module.setDataLayout(machine_->createDataLayout());
-        llvm::Function* scalar = module.getFunction(intrinsicEntry());
-        WidenOptions options{lanes_, stage, &runtime_, limit_};
-        llvm::Function* wide = widen(*scalar, options, error);
-        if (!wide) return nullptr;
-        wide->addFnAttr("prefer-vector-width", lanes_ >= 16 ? "512" : "256");
-        wide->addFnAttr("min-legal-vector-width", lanes_ >= 16 ? "512" : "256");
-        scalar->eraseFromParent();
-        cleanUpWide(*wide);
+        if (!makeWide(module, stage, error)) return nullptr;
         times.widen += milliseconds(start);
         start = Clock::now();
-        auto code = link(assemble(module, error), error);
+        SmallVector<char, 0> object = assemble(module, CodeGenFileType::ObjectFile, error);
+        auto code = object.empty() ? nullptr : link(std::make_unique<SmallVectorMemoryBuffer>(std::move(object), false), error);
         times.generate += milliseconds(start);
         return code;
     }
 
-private:
-    static StringRef intrinsicEntry() { return "softmetal_entry"; }
-
-    std::unique_ptr<MemoryBuffer> assemble(Module& module, std::string& error)
+    std::string listing(Module& module, Stage stage, std::string& error) override
     {
-        if (verifyModule(module)) {
-            error = "the widened function is not well formed";
-            return nullptr;
+        if (!makeWide(module, stage, error)) return {};
+        SmallVector<char, 0> text = assemble(module, CodeGenFileType::AssemblyFile, error);
+        return std::string(text.begin(), text.end());
+    }
+
+private:
+    bool makeWide(Module& module, Stage stage, std::string& error)
+    {
+        module.setTargetTriple(jit_->getTargetTriple().str());
+        module.setDataLayout(jit_->getDataLayout());
+        llvm::Function* scalar = module.getFunction({intrinsic::Entry.data(), intrinsic::Entry.size()});
+        if (!scalar || scalar->isDeclaration()) {
+            error = "there is no entry function";
+            return false;
         }
+        WidenOptions options{lanes_, stage, &runtime_, limit_};
+        llvm::Function* wide = widen(*scalar, options, error);
+        if (!wide) return false;
+        const char* width = lanes_ >= 16 ? "512" : "256";
+        wide->addFnAttr("prefer-vector-width", width);
+        wide->addFnAttr("min-legal-vector-width", width);
+        scalar->eraseFromParent();
+        if (verifyFunction(*wide)) { // the code generator would end the process
+            error = "the widened function is not well formed";
+            return false;
+        }
+        cleanUpWide(*wide);
+        return true;
+    }
+
+    SmallVector<char, 0> assemble(Module& module, CodeGenFileType type, std::string& error)
+    {
+        auto machine = machines_.take();
         SmallVector<char, 0> bytes;
         raw_svector_ostream stream(bytes);
-        legacy::PassManager passes;
-        MCContext* context = nullptr;
-        if (machine_->addPassesToEmitMC(passes, context, stream)) {
-            error = "this machine's code cannot be generated";
-            return nullptr;
+        {
+            legacy::PassManager passes;
+            MCContext* context = nullptr;
+            bool refused = type == CodeGenFileType::ObjectFile ? machine->addPassesToEmitMC(passes, context, stream)
+                                                               : machine->addPassesToEmitFile(passes, stream, nullptr, type);
+            if (refused) error = "this machine's code cannot be generated";
+            else passes.run(module);
         }
-        passes.run(module);
-        return std::make_unique<SmallVectorMemoryBuffer>(std::move(bytes), false);
+        machines_.giveBack(std::move(machine));
+        return bytes;
     }
 
     std::unique_ptr<Code> link(std::unique_ptr<MemoryBuffer> object, std::string& error)
     {
-        if (!object) return nullptr;
         auto library = jit_->createJITDylib("shader" + std::to_string(serial_++));
         if (!library) return refuse(library.takeError(), error);
+        auto discard = [&](Error problem) {
+            consumeError(jit_->getExecutionSession().removeJITDylib(*library));
+            return refuse(std::move(problem), error);
+        };
         library->addToLinkOrder(jit_->getMainJITDylib());
-        if (auto problem = jit_->addObjectFile(*library, std::move(object))) return refuse(std::move(problem), error);
+        if (auto problem = jit_->addObjectFile(*library, std::move(object))) return discard(std::move(problem));
         auto symbol = jit_->lookup(*library, WideName);
-        if (!symbol) return refuse(symbol.takeError(), error);
+        if (!symbol) return discard(symbol.takeError());
         return std::make_unique<LinkedCode>(jit_, &*library, symbol->toPtr<void*>());
     }
 
@@ -116,13 +170,17 @@ private:
 
     abi::RuntimeTable runtime_;
     uint32_t lanes_;
-    orc::JITTargetMachineBuilder builder_;
-    std::unique_ptr<TargetMachine> machine_;
+    MachinePool machines_;
     std::shared_ptr<orc::LLJIT> jit_;
     uint64_t limit_;
-    std::mutex mutex_;
     std::atomic<uint64_t> serial_{0};
 };
+
+std::unique_ptr<Generator> refuseMachine(Error problem, std::string& error)
+{
+    error = "this machine's code cannot be generated: " + toString(std::move(problem));
+    return nullptr;
+}
 
 } // namespace
 
@@ -134,25 +192,17 @@ std::unique_ptr<Generator> makeGenerator(const abi::RuntimeTable& runtime, uint3
         InitializeNativeTargetAsmPrinter();
     });
     auto builder = orc::JITTargetMachineBuilder::detectHost();
-    if (!builder) {
-        error = toString(builder.takeError());
-        return nullptr;
-    }
+    if (!builder) return refuseMachine(builder.takeError(), error);
     builder->getOptions().AllowFPOpFusion = FPOpFusion::Strict; // the same bits on every machine
     builder->getOptions().EnableFastISel = false;
     builder->setCodeGenOptLevel(CodeGenOptLevel::Default);
     builder->setCodeModel(CodeModel::Small);
     builder->setRelocationModel(Reloc::PIC_);
-    auto machine = builder->createTargetMachine();
+    if (auto machine = builder->createTargetMachine(); !machine) return refuseMachine(machine.takeError(), error);
     auto jit = orc::LLJITBuilder().setJITTargetMachineBuilder(*builder).create();
-    if (!machine || !jit) {
-        error = "this machine's code cannot be generated";
-        if (!machine) consumeError(machine.takeError());
-        if (!jit) error = toString(jit.takeError());
-        return nullptr;
-    }
+    if (!jit) return refuseMachine(jit.takeError(), error);
     (*jit)->getExecutionSession().setErrorReporter([](Error problem) { consumeError(std::move(problem)); }); // returned as well
-    return std::make_unique<LlvmGenerator>(runtime, lanes, *builder, std::move(*machine), std::shared_ptr<orc::LLJIT>(std::move(*jit)));
+    return std::make_unique<LlvmGenerator>(runtime, lanes, *builder, std::shared_ptr<orc::LLJIT>(std::move(*jit)));
 }
 
 } // namespace softmetal::shader

@@ -3,19 +3,66 @@
 
 #include "shader/frontend/ClangHeaders.h"
 
-#include <optional>
 #include <array>
+#include <optional>
 #include <utility>
 
 namespace softmetal::shader {
 namespace {
 
-constexpr std::array Names = {
-    "position", "point_size", "color", "depth", "stencil", "sample_mask", "stage_in", "buffer", "texture", "sampler",
-    "attribute", "function_constant", "user", "vertex_id", "instance_id", "base_vertex", "base_instance", "front_facing",
-    "point_coord", "primitive_id", "flat", "center_perspective", "center_no_perspective", "centroid_perspective",
-    "centroid_no_perspective", "sample_perspective", "sample_no_perspective", "early_fragment_tests", "raster_order_group",
-    "index", "invariant",
+enum class Takes : uint8_t {
+    Nothing,
+    Number,   // an integer constant
+    Word,     // a word with a meaning of its own
+    Constant, // a number where it declares a function constant, the constant's name where it is a condition
+};
+
+struct Row
+{
+    const char* name;
+    Takes takes;
+};
+
+constexpr std::array Rows = {
+    Row{"position", Takes::Nothing},
+    Row{"point_size", Takes::Nothing},
+    Row{"color", Takes::Number},
+    Row{"depth", Takes::Word},
+    Row{"stencil", Takes::Nothing},
+    Row{"sample_mask", Takes::Nothing},
+    Row{"stage_in", Takes::Nothing},
+    Row{"buffer", Takes::Number},
+    Row{"texture", Takes::Number},
+    Row{"sampler", Takes::Number},
+    Row{"attribute", Takes::Number},
+    Row{"function_constant", Takes::Constant},
+    Row{"user", Takes::Word},
+    Row{"vertex_id", Takes::Nothing},
+    Row{"instance_id", Takes::Nothing},
+    Row{"base_vertex", Takes::Nothing},
+    Row{"base_instance", Takes::Nothing},
+    Row{"front_facing", Takes::Nothing},
+    Row{"point_coord", Takes::Nothing},
+    Row{"primitive_id", Takes::Nothing},
+    Row{"flat", Takes::Nothing},
+    Row{"center_perspective", Takes::Nothing},
+    Row{"center_no_perspective", Takes::Nothing},
+    Row{"centroid_perspective", Takes::Nothing},
+    Row{"centroid_no_perspective", Takes::Nothing},
+    Row{"sample_perspective", Takes::Nothing},
+    Row{"sample_no_perspective", Takes::Nothing},
+    Row{"early_fragment_tests", Takes::Nothing},
+    Row{"raster_order_group", Takes::Number},
+    Row{"index", Takes::Number},
+    Row{"invariant", Takes::Nothing},
+    // of compute kernels: known, so that the message is about the kernel
+    Row{"thread_position_in_grid", Takes::Nothing},
+    Row{"thread_position_in_threadgroup", Takes::Nothing},
+    Row{"thread_index_in_threadgroup", Takes::Nothing},
+    Row{"threads_per_grid", Takes::Nothing},
+    Row{"threads_per_threadgroup", Takes::Nothing},
+    Row{"threadgroup_position_in_grid", Takes::Nothing},
+    Row{"threadgroups_per_grid", Takes::Nothing},
 };
 
 thread_local AttributeTable* collecting = nullptr;
@@ -24,81 +71,81 @@ const clang::ValueDecl* lookUp(clang::Sema& sema, const clang::IdentifierInfo* n
 {
     clang::LookupResult found(sema, clang::DeclarationName(name), clang::SourceLocation(), clang::Sema::LookupOrdinaryName);
     found.suppressDiagnostics();
-    sema.LookupName(found, sema.TUScope);
+    clang::Scope* scope = sema.getCurScope();
+    sema.LookupName(found, scope ? scope : sema.TUScope);
     return found.isSingleResult() ? llvm::dyn_cast<clang::ValueDecl>(found.getFoundDecl()) : nullptr;
 }
 
-/// The value of an enumerator or a constant variable of integer type.
-std::optional<int64_t> constantValue(const clang::ValueDecl* named)
+/// The value of an enumerator, or of an integer constant with an initialiser.
+std::optional<int64_t> valueOf(const clang::ValueDecl* declaration)
 {
-    if (auto* enumerator = llvm::dyn_cast_or_null<clang::EnumConstantDecl>(named)) return enumerator->getInitVal().getSExtValue();
-    auto* variable = llvm::dyn_cast_or_null<clang::VarDecl>(named);
-    const clang::APValue* value = variable && variable->hasInit() && variable->getType().isConstQualified() ? variable->evaluateValue() : nullptr;
-    if (value && value->isInt()) return value->getInt().getSExtValue();
-    return std::nullopt;
+    if (const auto* enumerator = llvm::dyn_cast_or_null<clang::EnumConstantDecl>(declaration)) return enumerator->getInitVal().getExtValue();
+    const auto* variable = llvm::dyn_cast_or_null<clang::VarDecl>(declaration);
+    if (!variable || !variable->getType().isConstQualified() || !variable->hasInit() || variable->getInit()->isValueDependent()) return std::nullopt;
+    const clang::APValue* value = variable->evaluateValue();
+    return value && value->isInt() ? std::optional(value->getInt().getExtValue()) : std::nullopt;
 }
 
-bool readArgument(clang::Sema& sema, const clang::ParsedAttr& parsed, unsigned at, Attribute& attribute)
+/// A lone name arrives as an identifier, anything longer as an expression.
+bool readArgument(clang::Sema& sema, const clang::ParsedAttr& parsed, unsigned at, Takes takes, Attribute& attribute)
 {
     if (parsed.isArgIdent(at)) {
         const clang::IdentifierInfo* word = parsed.getArgAsIdent(at)->Ident;
         attribute.words.push_back(word->getName().str());
-        const clang::ValueDecl* named = lookUp(sema, word);
-        if (attribute.name == "function_constant") attribute.constant = named;
-        else if (auto number = constantValue(named)) attribute.numbers.push_back(*number);
-        return true;
+        if (takes == Takes::Word) return true;
+        attribute.constant = lookUp(sema, word);
+        std::optional<int64_t> value = valueOf(attribute.constant);
+        if (value) attribute.numbers.push_back(*value);
+        return value || (takes == Takes::Constant && attribute.constant);
     }
     const clang::Expr* expression = parsed.getArgAsExpr(at)->IgnoreParenImpCasts();
-    if (auto* reference = llvm::dyn_cast<clang::DeclRefExpr>(expression)) {
-        attribute.words.push_back(reference->getDecl()->getName().str());
-        attribute.constant = reference->getDecl();
-        if (attribute.name == "function_constant") return true;
-    }
-    if (auto value = expression->getIntegerConstantExpr(sema.Context)) {
-        attribute.numbers.push_back(value->getSExtValue());
-        return true;
-    }
-    return attribute.constant != nullptr;
+    auto value = expression->isValueDependent() ? std::nullopt : expression->getIntegerConstantExpr(sema.Context);
+    if (value) attribute.numbers.push_back(value->getExtValue());
+    return value.has_value();
 }
 
 struct StageAttribute : clang::ParsedAttrInfo
 {
-    explicit StageAttribute(const char* name) : spelling{clang::ParsedAttr::AS_CXX11, name}
+    explicit StageAttribute(const Row& row) : spelling{clang::ParsedAttr::AS_CXX11, row.name}, takes(row.takes)
     {
         Spellings = llvm::ArrayRef<Spelling>(&spelling, 1);
-        OptArgs = 3;
+        OptArgs = takes == Takes::Nothing ? 0 : 1;
     }
 
     AttrHandling handleDeclAttribute(clang::Sema& sema, clang::Decl* declaration, const clang::ParsedAttr& parsed) const override
     {
         Attribute attribute;
         attribute.name = spelling.NormalizedFullName;
-        for (unsigned i = 0; i < parsed.getNumArgs(); ++i) {
-            if (readArgument(sema, parsed, i, attribute)) continue;
-            unsigned id = sema.getDiagnostics().getCustomDiagID(clang::DiagnosticsEngine::Error,
-                                                                "argument of attribute '%0' is not an integer constant");
-            sema.Diag(parsed.getLoc(), id) << attribute.name;
-            return AttributeNotApplied;
-        }
-        if (auto* variable = llvm::dyn_cast<clang::VarDecl>(declaration); variable && attribute.name == "function_constant")
+        bool fits = takes == Takes::Nothing || parsed.getNumArgs() > 0;
+        for (unsigned i = 0; i < parsed.getNumArgs(); ++i) fits &= readArgument(sema, parsed, i, takes, attribute);
+        if (!fits) return refuse(sema, parsed, attribute);
+        if (auto* variable = llvm::dyn_cast<clang::VarDecl>(declaration); variable && attribute.name == "function_constant" && !llvm::isa<clang::ParmVarDecl>(variable))
             variable->setStorageClass(clang::SC_Extern); // its value comes with the specialisation, not from an initialiser
         if (collecting) (*collecting)[declaration->getCanonicalDecl()].push_back(std::move(attribute));
         return AttributeApplied;
     }
 
+    static AttrHandling refuse(clang::Sema& sema, const clang::ParsedAttr& parsed, const Attribute& attribute)
+    {
+        unsigned id = sema.getDiagnostics().getCustomDiagID(clang::DiagnosticsEngine::Error, "attribute '%0' needs an integer constant as its argument");
+        sema.Diag(parsed.getLoc(), id) << attribute.name;
+        return AttributeNotApplied;
+    }
+
     Spelling spelling;
+    Takes takes;
 };
 
 template <size_t I>
 struct NamedAttribute final : StageAttribute
 {
-    NamedAttribute() : StageAttribute(Names[I]) {}
+    NamedAttribute() : StageAttribute(Rows[I]) {}
 };
 
 template <size_t I>
 void registerOne()
 {
-    static clang::ParsedAttrInfoRegistry::Add<NamedAttribute<I>> registration(Names[I], "");
+    static clang::ParsedAttrInfoRegistry::Add<NamedAttribute<I>> registration(Rows[I].name, "");
 }
 
 template <size_t... I>
@@ -109,7 +156,7 @@ void registerAll(std::index_sequence<I...>)
 
 } // namespace
 
-void registerAttributes() { registerAll(std::make_index_sequence<Names.size()>()); }
+void registerAttributes() { registerAll(std::make_index_sequence<Rows.size()>()); }
 
 void collectAttributes(AttributeTable* table) { collecting = table; }
 

@@ -4,6 +4,7 @@
 
 #include "shader/Intrinsics.h"
 #include "shader/codegen/Codegen.h"
+#include "shader/frontend/Checks.h"
 #include "shader/frontend/Program.h"
 
 #include <llvm/IR/Constants.h>
@@ -149,6 +150,8 @@ public:
         auto start = Clock::now();
         std::unique_ptr<llvm::Module> module = llvm::CloneModule(*program.module);
         SpecialisedConstants constants(program, values);
+        error = constants.mismatch();
+        if (!error.empty()) return nullptr;
         constants.apply(*module);
         addEntryWrapper(*module, *entry, constants);
         times.specialise = milliseconds(start);
@@ -159,6 +162,7 @@ public:
             error = "function constant '" + missing + "' has no value";
             return nullptr;
         }
+        if (error = leftOver(*module); !error.empty()) return nullptr;
         FunctionReflection reflection = reflect(program, *entry, &constants);
         noteUses(*module, reflection);
         return std::make_shared<FunctionImplementation>(shared_, std::move(module), std::move(reflection), generator_, times);

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 // clang in process: sources and the precompiled standard header live in memory, and no file of the machine can be reached.
 #include "shader/frontend/Attributes.h"
+#include "shader/frontend/Checks.h"
 #include "shader/frontend/ClangHeaders.h"
+#include "shader/frontend/Messages.h"
 #include "shader/frontend/Program.h"
 #include "shader/frontend/Reflect.h"
 #include "shader/stdlib/StandardHeader.h"
@@ -12,7 +14,6 @@
 namespace softmetal::shader {
 namespace {
 
-constexpr const char* SourceName = "program_source";
 constexpr const char* HeaderName = "/softmetal/standard.h";
 constexpr const char* PrecompiledName = "/softmetal/standard.pch";
 
@@ -25,8 +26,9 @@ constexpr std::array IncludeNames = {
 constexpr std::array CommonArguments = {
     "-triple", "spir64-unknown-unknown", "-std=gnu++17", "-x", "c++", "-fdeclspec", "-ffp-contract=off",
     "-cl-single-precision-constant", "-disable-llvm-passes", "-O2", "-disable-lifetime-markers", "-relaxed-aliasing",
+    "-fno-rtti", "-fno-threadsafe-statics", "-fwrapv", "-fno-strict-float-cast-overflow", "-ftrivial-auto-var-init=zero",
     "-discard-value-names", "-nostdsysteminc", "-nobuiltininc", "-fbracket-depth", "1024", "-ferror-limit", "20",
-    "-Werror=unknown-attributes", "-Wno-unused-value", "-internal-isystem", "/softmetal/include",
+    "-Werror=unknown-attributes", "-Wno-user-defined-literals", "-Wno-unused-value", "-Wno-duplicate-decl-specifier", "-internal-isystem", "/softmetal/include",
 };
 
 using FileSystem = llvm::IntrusiveRefCntPtr<llvm::vfs::InMemoryFileSystem>;
@@ -36,29 +38,23 @@ void addFile(FileSystem& files, llvm::StringRef path, llvm::StringRef text)
     files->addFile(path, 0, llvm::MemoryBuffer::getMemBuffer(text, path, false));
 }
 
-struct Session
+/// A compiler instance on the files given, appending its diagnostics to messages.
+std::unique_ptr<clang::CompilerInstance> makeInstance(const FileSystem& files, const std::vector<const char*>& arguments, std::string& messages)
 {
-    std::string messages;
-    std::unique_ptr<clang::CompilerInstance> instance;
-};
-
-/// A compiler instance on the files given, writing its diagnostics into the session's messages.
-void prepare(Session& session, FileSystem files, std::vector<const char*> arguments, llvm::raw_ostream& stream)
-{
-    session.instance = std::make_unique<clang::CompilerInstance>();
-    clang::CompilerInstance& instance = *session.instance;
+    auto instance = std::make_unique<clang::CompilerInstance>();
     auto options = llvm::makeIntrusiveRefCnt<clang::DiagnosticOptions>();
-    options->ShowCarets = false;
-    auto* printer = new clang::TextDiagnosticPrinter(stream, options.get());
+    options->ShowCarets = false; // or the number of errors goes to the host's standard error
     llvm::IntrusiveRefCntPtr<clang::DiagnosticsEngine> diagnostics(
-        new clang::DiagnosticsEngine(llvm::makeIntrusiveRefCnt<clang::DiagnosticIDs>(), options, printer));
+        new clang::DiagnosticsEngine(llvm::makeIntrusiveRefCnt<clang::DiagnosticIDs>(), options, new Messages(messages)));
     auto invocation = std::make_shared<clang::CompilerInvocation>();
     clang::CompilerInvocation::CreateFromArgs(*invocation, arguments, *diagnostics);
     invocation->getFrontendOpts().DisableFree = false;
-    instance.setInvocation(invocation);
-    instance.setDiagnostics(diagnostics.get());
-    instance.createFileManager(files);
-    instance.createSourceManager(instance.getFileManager());
+    invocation->getDiagnosticOpts().ShowCarets = false;
+    instance->setInvocation(std::move(invocation));
+    instance->setDiagnostics(diagnostics.get());
+    instance->createFileManager(files);
+    instance->createSourceManager(instance->getFileManager());
+    return instance;
 }
 
 class PrecompileAction final : public clang::ASTFrontendAction
@@ -94,13 +90,11 @@ struct StandardLibrary
         addFile(files, HeaderName, text);
         std::vector<const char*> arguments(CommonArguments.begin(), CommonArguments.end());
         arguments.insert(arguments.end(), {"-emit-pch", HeaderName});
-        llvm::raw_string_ostream stream(messages);
-        Session session;
-        prepare(session, files, arguments, stream);
+        auto instance = makeInstance(files, arguments, messages);
         auto buffer = std::make_shared<clang::PCHBuffer>();
         PrecompileAction action(buffer);
-        session.instance->ExecuteAction(action);
-        precompiled.assign(buffer->Data.begin(), buffer->Data.end());
+        bool done = instance->ExecuteAction(action) && !instance->getDiagnostics().hasErrorOccurred();
+        if (done) precompiled.assign(buffer->Data.begin(), buffer->Data.end());
     }
 };
 
@@ -177,17 +171,15 @@ std::unique_ptr<Program> parse(std::string_view source, const CompileOptions& op
     auto program = std::make_unique<Program>();
     program->context = std::make_unique<llvm::LLVMContext>();
     AttributeTable attributes;
-    llvm::raw_string_ostream stream(messages);
-    Session session;
-    prepare(session, programFiles(text), arguments, stream);
+    auto instance = makeInstance(programFiles(text), arguments, messages);
     CompileAction action(program->context.get(), attributes, *program);
     collectAttributes(&attributes);
-    bool done = session.instance->ExecuteAction(action);
+    bool done = instance->ExecuteAction(action);
     collectAttributes(nullptr);
-    stream.flush();
     program->module = action.takeModule();
-    bool failed = !done || session.instance->getDiagnostics().hasErrorOccurred() || !program->module;
-    return failed ? nullptr : std::move(program);
+    bool failed = !done || instance->getDiagnostics().hasErrorOccurred() || !program->module;
+    if (failed || !checkModule(*program, messages)) return nullptr;
+    return program;
 }
 
 } // namespace softmetal::shader

@@ -109,6 +109,8 @@ public:
     const ConstantValue* find(const std::string& name) const;
     /// A value under a condition that is false, or has no value, is not there.
     bool absent(const Value& value) const;
+    /// The first value whose type is not the constant's, as a sentence; empty when all fit.
+    std::string mismatch() const;
     /// Gives the module's constants their values.
     void apply(llvm::Module& module) const;
 

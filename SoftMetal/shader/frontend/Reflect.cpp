@@ -2,77 +2,57 @@
 #include "shader/frontend/Reflect.h"
 
 #include "shader/frontend/ClangHeaders.h"
+#include "shader/frontend/Types.h"
 
-#include <optional>
+#include <algorithm>
+#include <set>
+#include <tuple>
 
 namespace softmetal::shader {
 namespace {
 
-struct NumericType
-{
-    ScalarType scalar = ScalarType::Float;
-    uint32_t components = 1;
-    uint64_t componentSize = 4;
-};
+enum Place : uint8_t { VertexIn = 1, VertexOut = 2, FragmentIn = 4, FragmentOut = 8 };
+enum class Needs : uint8_t { Real, Integer, Bool, Anything };
 
-std::optional<ScalarType> scalarType(clang::QualType type)
-{
-    const auto* builtin = type->getAs<clang::BuiltinType>();
-    if (!builtin) return std::nullopt;
-    switch (builtin->getKind()) {
-    case clang::BuiltinType::Float: return ScalarType::Float;
-    case clang::BuiltinType::Float16: return ScalarType::Half;
-    case clang::BuiltinType::Int: return ScalarType::Int;
-    case clang::BuiltinType::UInt: return ScalarType::UInt;
-    case clang::BuiltinType::Short: return ScalarType::Short;
-    case clang::BuiltinType::UShort: return ScalarType::UShort;
-    case clang::BuiltinType::Char_S:
-    case clang::BuiltinType::Char_U:
-    case clang::BuiltinType::SChar: return ScalarType::Char;
-    case clang::BuiltinType::UChar: return ScalarType::UChar;
-    case clang::BuiltinType::Bool: return ScalarType::Bool;
-    default: return std::nullopt;
-    }
-}
-
-const clang::ClassTemplateSpecializationDecl* specialization(clang::QualType type)
-{
-    const clang::CXXRecordDecl* record = type->getAsCXXRecordDecl();
-    return llvm::dyn_cast_or_null<clang::ClassTemplateSpecializationDecl>(record);
-}
-
-
-std::optional<NumericType> numericType(clang::ASTContext& context, clang::QualType type)
-{
-    if (auto scalar = scalarType(type)) return NumericType{*scalar, 1, static_cast<uint64_t>(context.getTypeSizeInChars(type).getQuantity())};
-    const auto* vector = specialization(type);
-    if (!vector || vector->getName() != "vec") return std::nullopt;
-    clang::QualType component = vector->getTemplateArgs()[0].getAsType();
-    auto scalar = scalarType(component);
-    if (!scalar) return std::nullopt;
-    return NumericType{*scalar, static_cast<uint32_t>(vector->getTemplateArgs()[1].getAsIntegral().getZExtValue()),
-                       static_cast<uint64_t>(context.getTypeSizeInChars(component).getQuantity())};
-}
-
-struct TextureKind
+/// An attribute that gives a value its role: where it may stand and the type it asks for.
+struct RoleRow
 {
     const char* name;
-    uint32_t type; // MTL::TextureType
-    bool depth;
+    Role role;
+    uint8_t places;
+    Needs scalar;
+    uint32_t components; // 0: any
+    uint32_t indices;    // 0: takes none
 };
 
-constexpr TextureKind TextureKinds[] = {
-    {"texture1d", 0, false},   {"texture2d", 2, false},      {"texture2d_array", 3, false}, {"texture3d", 7, false},
-    {"texturecube", 5, false}, {"depth2d", 2, true},         {"depth2d_array", 3, true},    {"depthcube", 5, true},
+constexpr RoleRow RoleRows[] = {
+    {"vertex_id", Role::VertexId, VertexIn, Needs::Integer, 1, 0},
+    {"instance_id", Role::InstanceId, VertexIn, Needs::Integer, 1, 0},
+    {"base_vertex", Role::BaseVertex, VertexIn, Needs::Integer, 1, 0},
+    {"base_instance", Role::BaseInstance, VertexIn, Needs::Integer, 1, 0},
+    {"front_facing", Role::FrontFacing, FragmentIn, Needs::Bool, 1, 0},
+    {"point_coord", Role::PointCoord, FragmentIn, Needs::Real, 2, 0},
+    {"primitive_id", Role::PrimitiveId, FragmentIn, Needs::Integer, 1, 0},
+    {"sample_mask", Role::SampleMask, FragmentIn | FragmentOut, Needs::Integer, 1, 0},
+    {"position", Role::Position, VertexOut | FragmentIn, Needs::Real, 4, 0},
+    {"point_size", Role::PointSize, VertexOut | FragmentIn, Needs::Real, 1, 0},
+    {"color", Role::Color, FragmentOut, Needs::Anything, 0, abi::MaxColorOutputs},
+    {"depth", Role::Depth, FragmentOut, Needs::Real, 1, 0},
+    {"stencil", Role::Stencil, FragmentOut, Needs::Integer, 1, 0},
+    {"attribute", Role::Attribute, VertexIn, Needs::Anything, 0, abi::MaxVertexAttributes},
 };
 
-const TextureKind* textureKind(clang::QualType type)
+Place placeOf(Stage stage, bool input)
 {
-    const auto* texture = specialization(type);
-    if (!texture) return nullptr;
-    for (const TextureKind& kind : TextureKinds)
-        if (texture->getName() == kind.name) return &kind;
-    return nullptr;
+    if (stage == Stage::Vertex) return input ? VertexIn : VertexOut;
+    return input ? FragmentIn : FragmentOut;
+}
+
+bool satisfies(ScalarType type, Needs needs)
+{
+    bool real = type == ScalarType::Float || type == ScalarType::Half, boolean = type == ScalarType::Bool;
+    return needs == Needs::Anything || (needs == Needs::Real && real) || (needs == Needs::Bool && boolean) ||
+           (needs == Needs::Integer && !real && !boolean);
 }
 
 class Describer
@@ -87,6 +67,7 @@ public:
     {
         for (const auto& [declaration, list] : attributes_)
             if (const auto* variable = llvm::dyn_cast<clang::VarDecl>(declaration)) addConstant(variable);
+        std::sort(program_.constants.begin(), program_.constants.end(), [](const Constant& a, const Constant& b) { return std::tie(a.index, a.name) < std::tie(b.index, b.name); });
         visit(context_.getTranslationUnitDecl());
     }
 
@@ -95,6 +76,7 @@ private:
     {
         for (const clang::Decl* declaration : scope->noload_decls()) {
             if (const auto* space = llvm::dyn_cast<clang::NamespaceDecl>(declaration)) visit(space);
+            if (const auto* variable = llvm::dyn_cast<clang::VarDecl>(declaration)) checkVariable(variable);
             const auto* function = llvm::dyn_cast<clang::FunctionDecl>(declaration);
             if (!function || !function->isThisDeclarationADefinition()) continue;
             for (const auto* mark : function->specific_attrs<clang::AnnotateAttr>()) {
@@ -103,6 +85,12 @@ private:
                 if (mark->getAnnotation() == "softmetal.kernel") error(function, "compute kernels are not supported by this device");
             }
         }
+    }
+
+    void checkVariable(const clang::VarDecl* variable)
+    {
+        if (!variable->getType().isConstant(context_))
+            error(variable, "program scope variable '%0' must reside in constant address space", variable->getName());
     }
 
     template <unsigned N>
@@ -140,13 +128,6 @@ private:
         program_.constants.push_back(constant);
     }
 
-    static uint32_t dataType(const NumericType& type)
-    {
-        // Values of MTL::DataType for the scalar; vectors of two to four follow it.
-        static constexpr uint32_t First[] = {3, 16, 29, 33, 37, 41, 45, 49, 53};
-        return First[static_cast<size_t>(type.scalar)] + type.components - 1;
-    }
-
     void addEntry(const clang::FunctionDecl* function, Stage stage)
     {
         Entry entry;
@@ -154,6 +135,7 @@ private:
         entry.symbol = symbol(function);
         entry.stage = stage;
         entry.earlyFragmentTests = attribute(function, "early_fragment_tests") != nullptr;
+        for (std::set<int64_t>& indices : taken_) indices.clear();
         for (const clang::ParmVarDecl* parameter : function->parameters()) entry.parameters.push_back(describe(parameter, stage));
         describeResult(function, entry);
         program_.entries.push_back(std::move(entry));
@@ -166,11 +148,11 @@ private:
         if (!type->isReferenceType()) parameter.size = static_cast<uint64_t>(context_.getTypeSizeInChars(type).getQuantity());
         if (attribute(declaration, "stage_in")) {
             parameter.record = true;
-            addMembers(type->getAsCXXRecordDecl(), 0, stage, true, parameter.values);
+            addMembers(declaration, type, placeOf(stage, true), parameter.values);
             return parameter;
         }
         Value value = resource(declaration, type);
-        if (value.role == Role::None) value = builtin(declaration, type, stage);
+        if (value.role == Role::None && hasRole(declaration)) value = builtin(declaration, type, placeOf(stage, true));
         if (value.role == Role::None) error(declaration, "parameter '%0' has no attribute that says where it comes from", declaration->getName());
         parameter.values.push_back(value);
         return parameter;
@@ -186,56 +168,76 @@ private:
         return value;
     }
 
+    /// A parameter that is bound by index. Without an index it takes the lowest that is free.
     Value resource(const clang::ParmVarDecl* declaration, clang::QualType type)
     {
         Value value = named(declaration);
-        auto indexOf = [&](const char* name, Role role) {
-            const Attribute* mark = attribute(declaration, name);
-            if (!mark || mark->numbers.empty()) return false;
-            value.role = role;
-            value.index = static_cast<uint32_t>(mark->numbers[0]);
-            return true;
-        };
-        if (indexOf("buffer", Role::Buffer)) {
-            if (!type->isReferenceType() && !type->isPointerType()) error(declaration, "a buffer parameter must be a pointer or a reference");
+        auto [element, count] = arrayParts(type);
+        bool reference = type->isReferenceType() || type->isPointerType();
+        if (attribute(declaration, "buffer") || (reference && !hasRole(declaration))) {
+            value.role = Role::Buffer;
+            if (!reference) error(declaration, "a buffer parameter must be a pointer or a reference");
             else if (clang::QualType target = type->getPointeeType(); !target->isIncompleteType())
                 value.minimumSize = static_cast<uint64_t>(context_.getTypeSizeInChars(target).getQuantity());
-        } else if (indexOf("texture", Role::Texture)) {
-            clang::QualType element = type;
-            if (const auto* array = specialization(type); array && array->getName() == "array") {
-                element = array->getTemplateArgs()[0].getAsType();
-                value.count = static_cast<uint32_t>(array->getTemplateArgs()[1].getAsIntegral().getZExtValue());
-            }
-            const TextureKind* kind = textureKind(element);
-            if (!kind) error(declaration, "a texture parameter must have a texture type that this device supports");
-            value.textureType = kind ? kind->type : 0;
-            value.depthTexture = kind && kind->depth;
-        } else if (indexOf("sampler", Role::Sampler)) {
-            value.count = 1;
+        } else if (const TextureKind* kind = textureKind(element)) {
+            value.role = Role::Texture;
+            value.textureType = kind->type;
+            value.depthTexture = kind->depth;
+        } else if (isSampler(element)) {
+            value.role = Role::Sampler;
+        } else {
+            for (const char* name : {"texture", "sampler"})
+                if (attribute(declaration, name)) error(declaration, "parameter with attribute '%0' has a type that this device does not support", name);
+            return value;
         }
+        value.count = value.role == Role::Buffer ? 1 : count;
+        setIndex(declaration, value);
         return value;
     }
 
-    Value builtin(const clang::NamedDecl* declaration, clang::QualType type, Stage stage)
+    bool hasRole(const clang::Decl* declaration) const
     {
-        static constexpr std::pair<const char*, Role> Roles[] = {
-            {"vertex_id", Role::VertexId},       {"instance_id", Role::InstanceId},   {"base_vertex", Role::BaseVertex},
-            {"base_instance", Role::BaseInstance}, {"front_facing", Role::FrontFacing}, {"point_coord", Role::PointCoord},
-            {"primitive_id", Role::PrimitiveId}, {"sample_mask", Role::SampleMask},   {"position", Role::Position},
-            {"point_size", Role::PointSize},     {"color", Role::Color},              {"depth", Role::Depth},
-            {"stencil", Role::Stencil},          {"attribute", Role::Attribute},
+        return std::any_of(std::begin(RoleRows), std::end(RoleRows), [&](const RoleRow& row) { return attribute(declaration, row.name) != nullptr; });
+    }
+
+    void setIndex(const clang::ParmVarDecl* declaration, Value& value)
+    {
+        struct Space
+        {
+            const char* name;
+            uint32_t limit;
         };
+        static constexpr Space Spaces[] = {{"buffer", abi::MaxBuffers}, {"texture", abi::MaxTextures}, {"sampler", abi::MaxSamplers}};
+        size_t which = value.role == Role::Buffer ? 0 : value.role == Role::Texture ? 1 : 2;
+        std::set<int64_t>& taken = taken_[which];
+        const Attribute* mark = attribute(declaration, Spaces[which].name);
+        int64_t index = mark && !mark->numbers.empty() ? mark->numbers[0] : 0;
+        while (!mark && taken.count(index)) ++index;
+        if (index < 0 || index + value.count > Spaces[which].limit) return error(declaration, "'%0' index is out of range", Spaces[which].name);
+        value.index = static_cast<uint32_t>(index);
+        for (uint32_t i = 0; i < value.count; ++i)
+            if (!taken.insert(index + i).second && value.condition.empty()) error(declaration, "'%0' index is used by two parameters", Spaces[which].name);
+    }
+
+    Value builtin(const clang::NamedDecl* declaration, clang::QualType type, Place place)
+    {
         Value value = named(declaration);
-        for (const auto& [name, role] : Roles) {
-            const Attribute* mark = attribute(declaration, name);
-            if (!mark) continue;
-            value.role = role;
-            if (!mark->numbers.empty()) value.index = static_cast<uint32_t>(mark->numbers[0]);
-        }
         setType(declaration, type, value);
         value.interpolation = interpolation(declaration, value);
-        (void)stage;
+        for (const RoleRow& row : RoleRows)
+            if (const Attribute* mark = attribute(declaration, row.name)) setRole(declaration, row, *mark, place, value);
         return value;
+    }
+
+    void setRole(const clang::NamedDecl* declaration, const RoleRow& row, const Attribute& mark, Place place, Value& value)
+    {
+        value.role = row.role;
+        if (!(row.places & place)) return error(declaration, "attribute '%0' has no meaning here", row.name);
+        if (!satisfies(value.type, row.scalar) || (row.components && row.components != value.components))
+            return error(declaration, "attribute '%0' does not go with this type", row.name);
+        if (row.indices == 0 || mark.numbers.empty()) return;
+        if (mark.numbers[0] < 0 || mark.numbers[0] >= row.indices) return error(declaration, "'%0' index is out of range", row.name);
+        value.index = static_cast<uint32_t>(mark.numbers[0]);
     }
 
     void setType(const clang::NamedDecl* declaration, clang::QualType type, Value& value)
@@ -255,24 +257,24 @@ private:
         return attribute(declaration, "flat") || !real ? Interpolation::Flat : Interpolation::Perspective;
     }
 
-    void addMembers(const clang::CXXRecordDecl* record, uint64_t base, Stage stage, bool input, std::vector<Value>& values)
+    void addMembers(const clang::NamedDecl* holder, clang::QualType type, Place place, std::vector<Value>& values)
     {
-        if (!record || !record->hasDefinition()) return;
+        const clang::CXXRecordDecl* record = type->getAsCXXRecordDecl();
+        if (!record || !record->hasDefinition()) return error(holder, "'%0' must be a structure", holder->getName());
         const clang::ASTRecordLayout& layout = context_.getASTRecordLayout(record->getDefinition());
         for (const clang::FieldDecl* field : record->getDefinition()->fields()) {
-            Value value = builtin(field, field->getType(), stage);
-            value.offset = base + layout.getFieldOffset(field->getFieldIndex()) / 8;
-            if (value.role == Role::None) value.role = plainRole(field, stage, input);
+            Value value = builtin(field, field->getType(), place);
+            value.offset = layout.getFieldOffset(field->getFieldIndex()) / 8;
+            if (value.role == Role::None) value.role = plainRole(field, place);
             values.push_back(value);
         }
     }
 
     /// A member without a role of its own travels between the stages.
-    Role plainRole(const clang::FieldDecl* field, Stage stage, bool input)
+    Role plainRole(const clang::FieldDecl* field, Place place)
     {
-        bool between = (stage == Stage::Vertex) != input;
-        if (between) return Role::Varying;
-        if (input) error(field, "member '%0' of the stage input has no attribute index", field->getName());
+        if (place == VertexOut || place == FragmentIn) return Role::Varying;
+        if (place == VertexIn) error(field, "member '%0' of the stage input has no attribute index", field->getName());
         else error(field, "member '%0' of the fragment output has no attribute", field->getName());
         return Role::None;
     }
@@ -281,17 +283,28 @@ private:
     {
         clang::QualType type = function->getReturnType();
         if (type->isVoidType()) return;
+        Place place = placeOf(entry.stage, false);
         entry.resultSize = static_cast<uint64_t>(context_.getTypeSizeInChars(type).getQuantity());
-        if (!numericType(context_, type)) return addMembers(type->getAsCXXRecordDecl(), 0, entry.stage, false, entry.results);
-        Value value = builtin(function, type, entry.stage);
-        if (value.role == Role::None) value.role = entry.stage == Stage::Vertex ? Role::Position : Role::Color;
-        entry.results.push_back(value);
+        if (!numericType(context_, type)) addMembers(function, type, place, entry.results);
+        else entry.results.push_back(builtin(function, type, place));
+        for (Value& value : entry.results)
+            if (value.role == Role::None) value.role = entry.stage == Stage::Vertex ? Role::Position : Role::Color;
+        checkOutputs(function, entry);
+    }
+
+    void checkOutputs(const clang::FunctionDecl* function, const Entry& entry)
+    {
+        uint32_t components = 0;
+        for (const Value& value : entry.results) components += value.components;
+        if (entry.stage == Stage::Vertex && components > abi::MaxVertexOutputComponents)
+            error(function, "vertex function '%0' has more outputs than this device supports", function->getName());
     }
 
     clang::ASTContext& context_;
     const AttributeTable& attributes_;
     Program& program_;
     std::unique_ptr<clang::MangleContext> mangler_;
+    std::set<int64_t> taken_[3]; // indices of buffers, textures and samplers of the function being described
 };
 
 } // namespace

@@ -133,6 +133,17 @@ const ConstantValue* SpecialisedConstants::find(const std::string& name) const
     return found;
 }
 
+std::string SpecialisedConstants::mismatch() const
+{
+    for (const Constant& constant : program_.constants) {
+        const ConstantValue* value = find(constant.name);
+        if (value && value->dataType != constant.dataType)
+            return "function constant '" + constant.name + "' was given a value of another type (" + std::to_string(value->dataType) +
+                   " instead of " + std::to_string(constant.dataType) + ")";
+    }
+    return {};
+}
+
 bool SpecialisedConstants::absent(const Value& value) const
 {
     if (value.condition.empty()) return false;

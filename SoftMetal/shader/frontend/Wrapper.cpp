@@ -2,6 +2,7 @@
 // The scalar entry point around a program's own: it is built after the constants are known, so that inputs which are
 // switched off are never fetched.
 #include "shader/Intrinsics.h"
+#include "shader/frontend/Globals.h"
 #include "shader/frontend/Program.h"
 
 #include <llvm/IR/IRBuilder.h>
@@ -17,7 +18,7 @@ public:
     {
     }
 
-    void build()
+    llvm::Function& build()
     {
         auto* type = llvm::FunctionType::get(b_.getVoidTy(), false);
         auto* wrapper = llvm::Function::Create(type, llvm::Function::ExternalLinkage, name(intrinsic::Entry), module_);
@@ -38,6 +39,7 @@ public:
         }
         for (const Value& value : entry_.results) store(value, result);
         b_.CreateRetVoid();
+        return *wrapper;
     }
 
 private:
@@ -83,8 +85,9 @@ private:
     {
         if (value.role == Role::Texture || value.role == Role::Sampler) {
             std::string_view callee = value.role == Role::Texture ? intrinsic::Texture : intrinsic::Sampler;
+            uint64_t stride = value.role == Role::Texture ? 8 : 32; // the standard library's handle types
             for (uint32_t i = 0; i < value.count; ++i)
-                b_.CreateStore(call(callee, b_.getPtrTy(), {constant(value.index + i)}), at(where, i * 8));
+                b_.CreateStore(call(callee, b_.getPtrTy(), {constant(value.index + i)}), at(where, i * stride));
             return;
         }
         for (uint32_t c = 0; c < value.components; ++c)
@@ -174,7 +177,8 @@ private:
 
 void addEntryWrapper(llvm::Module& module, const Entry& entry, const SpecialisedConstants& constants)
 {
-    WrapperBuilder(module, entry, constants).build();
+    llvm::Function& wrapper = WrapperBuilder(module, entry, constants).build();
+    computeGlobalsInEntry(module, wrapper);
 }
 
 } // namespace softmetal::shader

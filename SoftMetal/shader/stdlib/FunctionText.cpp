@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Matrices, and the functions that exist for every width: written out per type, since templates would not accept a
-// scalar where a vector is wanted.
+// The functions that exist for every width: written out per type, since templates would not accept a scalar where a
+// vector is wanted.
 #include "shader/stdlib/StandardHeader.h"
 
 #include <array>
@@ -13,13 +13,29 @@ constexpr std::string_view Letters = "xyzw";
 
 std::string typeName(const std::string& scalar, int n) { return n == 1 ? scalar : scalar + std::to_string(n); }
 
+/// The form once per component, '$' being ".x", ".y" and so on; for a scalar it is nothing.
+std::string sumOf(int n, const std::string& form, const std::string& separator)
+{
+    std::string text;
+    for (int i = 0; i < n; ++i) {
+        if (i) text += separator;
+        for (char c : form) {
+            if (c != '$') text += c;
+            else if (n > 1) text += std::string(".") + Letters[static_cast<size_t>(i)];
+        }
+    }
+    return text;
+}
+
 /// A function of `arity` equal arguments, from its scalar form "f(a, b)"; half is computed as float.
-std::string componentwise(const std::string& name, const std::string& scalar, int n, int arity, const std::string& expression)
+std::string componentwise(const std::string& name, const std::string& scalar, int n, int arity, const std::string& expression,
+                          const std::string& resultScalar = {})
 {
     static constexpr std::array Names = {"a", "b", "c"};
     std::string type = typeName(scalar, n), arguments, text;
     for (int i = 0; i < arity; ++i) arguments += std::string(i ? ", " : "") + type + " " + Names[static_cast<size_t>(i)];
-    text = "inline " + type + " " + name + "(" + arguments + ") { return " + type + "(";
+    std::string result = typeName(resultScalar.empty() ? scalar : resultScalar, n);
+    text = "inline " + result + " " + name + "(" + arguments + ") { return " + result + "(";
     for (int i = 0; i < n; ++i) {
         std::string one = expression;
         for (int k = 0; k < arity; ++k) {
@@ -29,7 +45,7 @@ std::string componentwise(const std::string& name, const std::string& scalar, in
             if (scalar == "half") value = "(float)" + value;
             for (size_t at = one.find(mark); at != std::string::npos; at = one.find(mark)) one.replace(at, 2, value);
         }
-        text += (i ? ", " : "") + (scalar == "half" ? "(half)(" + one + ")" : one);
+        text += (i ? ", " : "") + (result == type && scalar == "half" ? "(half)(" + one + ")" : one);
     }
     return text + "); }\n";
 }
@@ -48,7 +64,7 @@ constexpr std::array FloatFunctions = {
     FloatFunction{"ceil", 1, "__builtin_ceilf($1)"},
     FloatFunction{"trunc", 1, "__builtin_truncf($1)"},
     FloatFunction{"rint", 1, "__builtin_rintf($1)"},
-    FloatFunction{"round", 1, "__builtin_copysignf(__builtin_floorf(__builtin_fabsf($1) + 0.5f), $1)"},
+    FloatFunction{"round", 1, "softmetal_math::round($1)"},
     FloatFunction{"sqrt", 1, "__builtin_sqrtf($1)"},
     FloatFunction{"rsqrt", 1, "(1.0f / __builtin_sqrtf($1))"},
     FloatFunction{"fract", 1, "softmetal_math::fract($1)"},
@@ -63,6 +79,9 @@ constexpr std::array FloatFunctions = {
     FloatFunction{"sin", 1, "softmetal_math::sin($1)"},
     FloatFunction{"cos", 1, "softmetal_math::cos($1)"},
     FloatFunction{"tan", 1, "softmetal_math::tan($1)"},
+    FloatFunction{"sinpi", 1, "softmetal_math::sinpi($1)"},
+    FloatFunction{"cospi", 1, "softmetal_math::cospi($1)"},
+    FloatFunction{"tanpi", 1, "softmetal_math::tanpi($1)"},
     FloatFunction{"asin", 1, "softmetal_math::asin($1)"},
     FloatFunction{"acos", 1, "softmetal_math::acos($1)"},
     FloatFunction{"atan", 1, "softmetal_math::atan($1)"},
@@ -85,11 +104,18 @@ constexpr std::array FloatFunctions = {
     FloatFunction{"fmax", 2, "softmetal_math::max($1, $2)"},
     FloatFunction{"fdim", 2, "softmetal_math::max($1 - $2, 0.0f)"},
     FloatFunction{"copysign", 2, "__builtin_copysignf($1, $2)"},
+    FloatFunction{"divide", 2, "($1 / $2)"},
+    FloatFunction{"nextafter", 2, "softmetal_math::nextafter($1, $2)"},
     FloatFunction{"step", 2, "($2 < $1 ? 0.0f : 1.0f)"},
     FloatFunction{"fma", 3, "__builtin_fmaf($1, $2, $3)"},
     FloatFunction{"clamp", 3, "softmetal_math::min(softmetal_math::max($1, $2), $3)"},
     FloatFunction{"mix", 3, "($1 + ($2 - $1) * $3)"},
+    FloatFunction{"min3", 3, "softmetal_math::min($1, softmetal_math::min($2, $3))"},
+    FloatFunction{"fmin3", 3, "softmetal_math::min($1, softmetal_math::min($2, $3))"},
+    FloatFunction{"max3", 3, "softmetal_math::max($1, softmetal_math::max($2, $3))"},
+    FloatFunction{"fmax3", 3, "softmetal_math::max($1, softmetal_math::max($2, $3))"},
     FloatFunction{"median3", 3, "softmetal_math::max(softmetal_math::min($1, $2), softmetal_math::min(softmetal_math::max($1, $2), $3))"},
+    FloatFunction{"fmedian3", 3, "softmetal_math::max(softmetal_math::min($1, $2), softmetal_math::min(softmetal_math::max($1, $2), $3))"},
 };
 
 /// Vector forms that take scalars for their last arguments.
@@ -100,38 +126,43 @@ std::string mixedForms(const std::string& scalar, int n)
            s + "(3) - " + s + "(2) * t); }\n";
 }
 
+/// Questions about one or two numbers, asked of the number as a float.
+constexpr std::array FloatQuestions = {
+    FloatFunction{"isnan", 1, "$1 != $1"},
+    FloatFunction{"isinf", 1, "__builtin_fabsf($1) == __builtin_inff()"},
+    FloatFunction{"isfinite", 1, "__builtin_fabsf($1) < __builtin_inff()"},
+    FloatFunction{"isnormal", 1, "(__builtin_fabsf($1) < __builtin_inff() && __builtin_fabsf($1) >= 1.17549435e-38f)"},
+    FloatFunction{"signbit", 1, "as_type<int>($1) < 0"},
+    FloatFunction{"isordered", 2, "($1 == $1 && $2 == $2)"},
+    FloatFunction{"isunordered", 2, "($1 != $1 || $2 != $2)"},
+};
+
+/// Functions whose arguments or results are of several types.
+std::string irregularFunctions(const std::string& scalar, int n)
+{
+    std::string v = typeName(scalar, n), i = typeName("int", n);
+    auto each = [&](const std::string& form) { return sumOf(n, form, ", "); };
+    std::string assign = n == 1 ? "int e; a = softmetal_math::frexp((float)a, e); b = e; " : "", exponents;
+    for (int k = 0; n > 1 && k < n; ++k) {
+        std::string c(1, Letters[static_cast<size_t>(k)]), e = "e" + std::to_string(k);
+        assign += "int " + e + "; a." + c + " = (" + scalar + ")softmetal_math::frexp((float)a." + c + ", " + e + "); b." + c + " = " + e + "; ";
+    }
+    return "inline " + v + " ldexp(" + v + " a, " + i + " b) { return " + v + "(" + each("(" + scalar + ")softmetal_math::ldexp((float)a$, b$)") + "); }\n" +
+           "inline " + i + " ilogb(" + v + " a) { return " + i + "(" + each("softmetal_math::ilogb((float)a$)") + "); }\n" +
+           "inline " + v + " frexp(" + v + " a, thread " + i + "& b) { " + assign + "return a; }\n" +
+           "inline " + v + " sincos(" + v + " a, thread " + v + "& c) { c = cos(a); return sin(a); }\n" +
+           "inline " + v + " modf(" + v + " a, thread " + v + "& whole) { whole = trunc(a); return a - whole; }\n";
+}
+
 std::string floatFunctions()
 {
     std::string text;
     for (std::string scalar : {"float", "half"}) {
         for (int n = 1; n <= 4; ++n) {
             for (const FloatFunction& f : FloatFunctions) text += componentwise(f.name, scalar, n, f.arity, f.expression);
-            text += mixedForms(scalar, n);
-            std::string v = typeName(scalar, n), flags = typeName("bool", n), i = typeName("int", n);
-            std::string parts, nan, inf, scaled;
-            for (int k = 0; k < n; ++k) {
-                std::string c = n > 1 ? std::string(".") + Letters[static_cast<size_t>(k)] : "", separator = k ? ", " : "";
-                nan += separator + "a" + c + " != a" + c;
-                inf += separator + "__builtin_fabsf((float)a" + c + ") == __builtin_inff()";
-                scaled += separator + "(" + scalar + ")softmetal_math::ldexp((float)a" + c + ", b" + c + ")";
-            }
-            text += "inline " + flags + " isnan(" + v + " a) { return " + flags + "(" + nan + "); }\n";
-            text += "inline " + flags + " isinf(" + v + " a) { return " + flags + "(" + inf + "); }\n";
-            text += "inline " + v + " ldexp(" + v + " a, " + i + " b) { return " + v + "(" + scaled + "); }\n";
-            text += "inline " + v + " sincos(" + v + " a, thread " + v + "& c) { c = cos(a); return sin(a); }\n";
-            text += "inline " + v + " modf(" + v + " a, thread " + v + "& whole) { whole = trunc(a); return a - whole; }\n";
+            for (const FloatFunction& f : FloatQuestions) text += componentwise(f.name, scalar, n, f.arity, f.expression, "bool");
+            text += mixedForms(scalar, n) + irregularFunctions(scalar, n);
         }
-    }
-    return text;
-}
-
-std::string sum(int n, const std::string& term)
-{
-    std::string text;
-    for (int i = 0; i < n; ++i) {
-        std::string one = term;
-        for (size_t at = one.find('$'); at != std::string::npos; at = one.find('$')) one.replace(at, 1, std::string(1, Letters[static_cast<size_t>(i)]));
-        text += (i ? " + " : "") + one;
     }
     return text;
 }
@@ -142,7 +173,7 @@ std::string geometricFunctions()
     for (std::string s : {"float", "half"}) {
         for (int n = 2; n <= 4; ++n) {
             std::string v = typeName(s, n);
-            text += "inline " + s + " dot(" + v + " a, " + v + " b) { return " + sum(n, "a.$ * b.$") + "; }\n";
+            text += "inline " + s + " dot(" + v + " a, " + v + " b) { return " + sumOf(n, "a$ * b$", " + ") + "; }\n";
             text += "inline " + s + " length_squared(" + v + " a) { return dot(a, a); }\n";
             text += "inline " + s + " length(" + v + " a) { return sqrt(dot(a, a)); }\n";
             text += "inline " + s + " distance(" + v + " a, " + v + " b) { return length(a - b); }\n";
@@ -160,25 +191,48 @@ std::string geometricFunctions()
     return text;
 }
 
+struct IntegerFunction
+{
+    const char* name;
+    int arity;
+    const char* expression; // T is the type itself
+    bool wide;              // of 32 bits only
+};
+
+constexpr std::array IntegerFunctions = {
+    IntegerFunction{"min", 2, "($2 < $1 ? $2 : $1)", false},
+    IntegerFunction{"max", 2, "($1 < $2 ? $2 : $1)", false},
+    IntegerFunction{"min3", 3, "min($1, min($2, $3))", false},
+    IntegerFunction{"max3", 3, "max($1, max($2, $3))", false},
+    IntegerFunction{"median3", 3, "max(min($1, $2), min(max($1, $2), $3))", false},
+    IntegerFunction{"clamp", 3, "($1 < $2 ? $2 : ($3 < $1 ? $3 : $1))", false},
+    IntegerFunction{"abs", 1, "(T)($1 < 0 ? -$1 : $1)", false},
+    IntegerFunction{"addsat", 2, "softmetal_math::saturated<T>((long)$1 + (long)$2)", false},
+    IntegerFunction{"subsat", 2, "softmetal_math::saturated<T>((long)$1 - (long)$2)", false},
+    IntegerFunction{"hadd", 2, "(T)(((long)$1 + (long)$2) >> 1)", false},
+    IntegerFunction{"rhadd", 2, "(T)(((long)$1 + (long)$2 + 1) >> 1)", false},
+    IntegerFunction{"absdiff", 2, "(T)($1 < $2 ? $2 - $1 : $1 - $2)", false},
+    IntegerFunction{"popcount", 1, "(T)__builtin_popcount((uint)$1 & (uint)((1ul << (8 * sizeof(T))) - 1))", false},
+    IntegerFunction{"clz", 1, "(T)((uint)$1 == 0u ? 32 : __builtin_clz((uint)$1))", true},
+    IntegerFunction{"ctz", 1, "(T)((uint)$1 == 0u ? 32 : __builtin_ctz((uint)$1))", true},
+    IntegerFunction{"reverse_bits", 1, "(T)__builtin_bitreverse32((uint)$1)", true},
+    IntegerFunction{"mulhi", 2, "(T)(((softmetal_math::twice<T>::type)$1 * (softmetal_math::twice<T>::type)$2) >> 32)", true},
+    IntegerFunction{"madhi", 3, "(T)(mulhi($1, $2) + $3)", true},
+    IntegerFunction{"mul24", 2, "($1 * $2)", true},
+    IntegerFunction{"mad24", 3, "($1 * $2 + $3)", true},
+    IntegerFunction{"rotate", 2, "(T)(((uint)$1 << ((uint)$2 & 31u)) | ((uint)$1 >> ((32u - (uint)$2) & 31u)))", true},
+};
+
 std::string integerFunctions()
 {
     std::string text;
-    for (std::string s : {"int", "uint", "short", "ushort", "char", "uchar"}) {
-        bool isSigned = s[0] != 'u';
-        for (int n = 1; n <= 4; ++n) {
-            text += componentwise("min", s, n, 2, "($2 < $1 ? $2 : $1)");
-            text += componentwise("max", s, n, 2, "($1 < $2 ? $2 : $1)");
-            text += componentwise("clamp", s, n, 3, "($1 < $2 ? $2 : ($3 < $1 ? $3 : $1))");
-            text += componentwise("abs", s, n, 1, isSigned ? "(" + s + ")($1 < 0 ? -$1 : $1)" : "$1");
-            if (s != "int" && s != "uint") continue;
-            text += componentwise("popcount", s, n, 1, "(" + s + ")__builtin_popcount((uint)$1)");
-            text += componentwise("clz", s, n, 1, "(" + s + ")((uint)$1 == 0u ? 32 : __builtin_clz((uint)$1))");
-            text += componentwise("ctz", s, n, 1, "(" + s + ")((uint)$1 == 0u ? 32 : __builtin_ctz((uint)$1))");
-            text += componentwise("reverse_bits", s, n, 1, "(" + s + ")__builtin_bitreverse32((uint)$1)");
-            text += componentwise("mulhi", s, n, 2, s == "int" ? "(int)(((long)$1 * (long)$2) >> 32)" : "(uint)(((ulong)$1 * (ulong)$2) >> 32)");
-            text += componentwise("rotate", s, n, 2, "(" + s + ")(((uint)$1 << ((uint)$2 & 31u)) | ((uint)$1 >> ((32u - (uint)$2) & 31u)))");
+    for (std::string s : {"int", "uint", "short", "ushort", "char", "uchar"})
+        for (const IntegerFunction& f : IntegerFunctions) {
+            if (f.wide && s != "int" && s != "uint") continue;
+            std::string expression;
+            for (std::string_view rest = f.expression; !rest.empty(); rest.remove_prefix(1)) expression += rest[0] == 'T' ? s : std::string(1, rest[0]);
+            for (int n = 1; n <= 4; ++n) text += componentwise(f.name, s, n, f.arity, expression);
         }
-    }
     return text;
 }
 
@@ -207,86 +261,11 @@ std::string relationalFunctions()
     return text;
 }
 
-std::string matrixClass(int columns, int rows)
-{
-    std::string c = std::to_string(columns), r = std::to_string(rows), column = "vec<T, " + r + ">";
-    std::string parameters, copies, diagonal, scalars, scalarCopies, product, transposed;
-    for (int i = 0; i < columns; ++i) {
-        std::string at = std::to_string(i), separator = i ? ", " : "";
-        parameters += separator + "const " + column + "& c" + at;
-        copies += separator + "c" + at;
-        std::string diagonalColumn, scalarColumn;
-        for (int k = 0; k < rows; ++k) {
-            diagonalColumn += std::string(k ? ", " : "") + (k == i ? "s" : "T(0)");
-            std::string name = "m" + at + std::to_string(k);
-            scalars += (i + k ? ", T " : "T ") + name;
-            scalarColumn += (k ? ", " : "") + name;
-        }
-        diagonal += separator + column + "(" + diagonalColumn + ")";
-        scalarCopies += separator + column + "(" + scalarColumn + ")";
-        product += (i ? " + m.columns[" : "m.columns[") + at + "] * v." + Letters[static_cast<size_t>(i)];
-    }
-    std::string rowProduct, matrixType = "matrix<T, " + c + ", " + r + ">";
-    for (int i = 0; i < columns; ++i) {
-        std::string terms;
-        for (int k = 0; k < rows; ++k)
-            terms += std::string(k ? " + v." : "v.") + Letters[static_cast<size_t>(k)] + " * m.columns[" + std::to_string(i) + "]." + Letters[static_cast<size_t>(k)];
-        rowProduct += (i ? ", " : "") + terms;
-    }
-    std::string each[4];
-    const char* forms[4] = {"a.columns[$] + b.columns[$]", "a.columns[$] - b.columns[$]", "a.columns[$] * s", "-a.columns[$]"};
-    for (int f = 0; f < 4; ++f)
-        for (int i = 0; i < columns; ++i) {
-            std::string one = forms[f];
-            for (size_t at = one.find('$'); at != std::string::npos; at = one.find('$')) one.replace(at, 1, std::to_string(i));
-            each[f] += (i ? ", " : "") + one;
-        }
-    return "template <typename T> struct matrix<T, " + c + ", " + r + ">\n{\n" + column + " columns[" + c + "];\nmatrix() = default;\n" +
-           "constexpr explicit matrix(T s) : columns{" + diagonal + "} {}\nconstexpr matrix(" + parameters + ") : columns{" + copies + "} {}\n" +
-           "constexpr matrix(" + scalars + ") : columns{" + scalarCopies + "} {}\n" + column + "& operator[](int i) { return columns[i]; }\nconst " +
-           column + "& operator[](int i) const { return columns[i]; }\n" + "friend matrix operator+(const matrix& a, const matrix& b) { return matrix(" +
-           each[0] + "); }\nfriend matrix operator-(const matrix& a, const matrix& b) { return matrix(" + each[1] +
-           "); }\nfriend matrix operator*(const matrix& a, T s) { return matrix(" + each[2] + "); }\nfriend matrix operator*(T s, const matrix& a) { return matrix(" +
-           each[2] + "); }\nfriend matrix operator-(const matrix& a) { return matrix(" + each[3] + "); }\nfriend " + column +
-           " operator*(const matrix& m, const vec<T, " + c + ">& v) { return " + product + "; }\nfriend vec<T, " + c + "> operator*(const " + column +
-           "& v, const matrix& m) { return vec<T, " + c + ">(" + rowProduct + "); }\n};\n";
-}
-
 } // namespace
-
-std::string matrixText()
-{
-    std::string text = "template <typename T, int C, int R> struct matrix;\n", inside;
-    for (int c = 2; c <= 4; ++c)
-        for (int r = 2; r <= 4; ++r) text += matrixClass(c, r);
-    text += "template <typename T, int C, int R, int K> inline matrix<T, K, R> operator*(const matrix<T, C, R>& a, const matrix<T, K, C>& b) "
-            "{ matrix<T, K, R> result; for (int i = 0; i < K; ++i) result.columns[i] = a * b.columns[i]; return result; }\n";
-    for (std::string s : {"float", "half"})
-        for (int c = 2; c <= 4; ++c)
-            for (int r = 2; r <= 4; ++r) {
-                std::string name = s + std::to_string(c) + "x" + std::to_string(r);
-                text += "typedef matrix<" + s + ", " + std::to_string(c) + ", " + std::to_string(r) + "> " + name + ";\n";
-                inside += "using ::" + name + ";\n";
-            }
-    return text + "namespace metal {\nusing ::matrix;\n" + inside + "}\n";
-}
 
 std::string functionText()
 {
-    return "namespace metal {\n" + floatFunctions() + geometricFunctions() + integerFunctions() + relationalFunctions() +
-           "template <typename T, int C, int R> inline matrix<T, R, C> transpose(const matrix<T, C, R>& m) { matrix<T, R, C> t; "
-           "for (int c = 0; c < C; ++c) for (int r = 0; r < R; ++r) t.columns[r][c] = m.columns[c][r]; return t; }\n"
-           "template <typename T> inline T determinant(const matrix<T, 2, 2>& m) { return m[0].x * m[1].y - m[1].x * m[0].y; }\n"
-           "template <typename T> inline T determinant(const matrix<T, 3, 3>& m) { return dot(m[0], cross(m[1], m[2])); }\n"
-           "template <typename T> inline T determinant(const matrix<T, 4, 4>& m) { T s0 = m[0].x * m[1].y - m[1].x * m[0].y, "
-           "s1 = m[0].x * m[1].z - m[1].x * m[0].z, s2 = m[0].x * m[1].w - m[1].x * m[0].w, s3 = m[0].y * m[1].z - m[1].y * m[0].z, "
-           "s4 = m[0].y * m[1].w - m[1].y * m[0].w, s5 = m[0].z * m[1].w - m[1].z * m[0].w, c5 = m[2].z * m[3].w - m[3].z * m[2].w, "
-           "c4 = m[2].y * m[3].w - m[3].y * m[2].w, c3 = m[2].y * m[3].z - m[3].y * m[2].z, c2 = m[2].x * m[3].w - m[3].x * m[2].w, "
-           "c1 = m[2].x * m[3].z - m[3].x * m[2].z, c0 = m[2].x * m[3].y - m[3].x * m[2].y; "
-           "return s0 * c5 - s1 * c4 + s2 * c3 + s3 * c2 - s4 * c1 + s5 * c0; }\n"
-           "template <typename T, int N> struct array { T softmetal_items[N]; T& operator[](int i) { return softmetal_items[i]; } "
-           "const T& operator[](int i) const { return softmetal_items[i]; } int size() const { return N; } };\n"
-           "}\n";
+    return "namespace metal {\n" + floatFunctions() + geometricFunctions() + integerFunctions() + relationalFunctions() + "}\n";
 }
 
 } // namespace softmetal::shader

@@ -10,12 +10,21 @@ constexpr const char* Core =
 constexpr const char* Math =
 #include "shader/stdlib/Math.inc"
     ;
+constexpr const char* Functions =
+#include "shader/stdlib/Functions.inc"
+    ;
 constexpr const char* Textures =
 #include "shader/stdlib/Textures.inc"
+    ;
+constexpr const char* End =
+#include "shader/stdlib/End.inc"
     ;
 
 } // namespace
 
-std::string standardHeader() { return Core + vectorText() + matrixText() + std::string(Math) + functionText() + Textures; }
+std::string standardHeader()
+{
+    return Core + vectorText() + matrixText() + std::string(Math) + functionText() + Functions + Textures + End;
+}
 
 } // namespace softmetal::shader

@@ -37,8 +37,8 @@ std::string swizzle(const std::string& indices)
 {
     std::string name = letters(indices, Letters), type = "vec<T, " + std::to_string(indices.size()) + ">";
     bool writable = std::set<char>(indices.begin(), indices.end()).size() == indices.size();
-    std::string get = type + " softmetal_get_" + name + "() const { return " + type + "(";
-    std::string put = "void softmetal_put_" + name + "(" + type + " softmetal_v) { ";
+    std::string get = "constexpr " + type + " softmetal_get_" + name + "() const { return " + type + "(";
+    std::string put = "constexpr void softmetal_put_" + name + "(" + type + " softmetal_v) { ";
     for (size_t i = 0; i < indices.size(); ++i) {
         std::string component(1, name[i]);
         get += (i ? ", " : "") + component;
@@ -149,13 +149,15 @@ constexpr std::array Scalars = {"bool", "char", "uchar", "short", "ushort", "int
 
 std::string vectorText()
 {
-    std::string text = "template <typename T, int N> struct vec;\n";
+    std::string text = "namespace softmetal_types {\ntemplate <typename T, int N> struct vec;\n";
     for (int n = 2; n <= 4; ++n) text += vectorClass(n);
+    text += "}\n";
     std::string inside;
     for (std::string scalar : Scalars) {
         for (int n = 2; n <= 4; ++n) {
             std::string name = scalar + std::to_string(n);
-            text += "typedef vec<" + scalar + ", " + std::to_string(n) + "> " + name + ";\n";
+            text += "typedef softmetal_types::vec<" + scalar + ", " + std::to_string(n) + "> " + name + ";\n";
+            text += "typedef " + name + " simd_" + name + ";\ntypedef " + name + " vector_" + name + ";\n";
             inside += "using ::" + name + ";\n";
         }
     }
@@ -171,7 +173,8 @@ std::string vectorText()
             inside += "using ::" + packed + ";\n";
         }
     }
-    return text + "namespace metal {\nusing ::vec;\nusing ::half;\nusing ::uint;\nusing ::uchar;\nusing ::ushort;\n" + inside + "}\n";
+    return text + "namespace metal {\nusing softmetal_types::vec;\nusing ::half;\nusing ::uint;\nusing ::uchar;\nusing ::ushort;\nusing ::as_type;\n" +
+           inside + "}\nnamespace simd {\n" + inside + "}\n";
 }
 
 } // namespace softmetal::shader

@@ -30,8 +30,8 @@ bool isUniformFunction(StringRef name)
 
 bool differsBetweenLanes(const Value* value)
 {
-    if (isa<AllocaInst>(value)) return true;
-    if (const auto* load = dyn_cast<LoadInst>(value)) return isPrivate(load->getPointerOperand());
+    // The address of private memory is the same for all, what is there is not.
+    if (const auto* load = dyn_cast<LoadInst>(value)) return memoryOf(load->getPointerOperand()) != Memory::Bound;
     const auto* call = dyn_cast<CallInst>(value);
     if (!call || !call->getCalledFunction() || call->getCalledFunction()->isIntrinsic()) return false;
     return !isUniformFunction(call->getCalledFunction()->getName());
@@ -48,13 +48,17 @@ public:
 
 } // namespace
 
-bool isPrivate(const Value* pointer)
+Memory memoryOf(const Value* pointer)
 {
     SmallVector<const Value*, 4> objects;
     getUnderlyingObjects(pointer, objects, nullptr, 0);
-    for (const Value* object : objects)
-        if (isa<AllocaInst>(object)) return true;
-    return false;
+    bool own = false, other = false;
+    for (const Value* object : objects) {
+        if (isa<AllocaInst>(object)) own = true;
+        else if (!isa<ConstantPointerNull, UndefValue>(object)) other = true;
+    }
+    if (own && other) return Memory::Mixed;
+    return own ? Memory::Private : Memory::Bound;
 }
 
 Uniformity::Uniformity(Function& function, DominatorTree& dominators) : target_(LaneInfo(function.getParent()->getDataLayout()))

@@ -22,7 +22,8 @@ private:
     llvm::UniformityInfo info_;
 };
 
-/// Whether a pointer leads into a lane's private memory.
-bool isPrivate(const llvm::Value* pointer);
+/// Where a pointer leads: to what is bound or constant, or into a lane's private memory.
+enum class Memory { Bound, Private, Mixed };
+Memory memoryOf(const llvm::Value* pointer);
 
 } // namespace softmetal::shader

@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
+// What a function takes in and gives out, and the operations that are calls in the scalar program.
 #include "shader/widen/Widener.h"
 
 #include <llvm/Analysis/VectorUtils.h>
-#include <llvm/IR/IntrinsicInst.h>
 #include <llvm/IR/Intrinsics.h>
+
+#include <algorithm>
+#include <array>
 
 namespace softmetal::shader {
 
@@ -15,39 +18,77 @@ bool is(StringRef name, std::string_view known) { return name == StringRef(known
 
 constexpr uint64_t LaneBytes = sizeof(abi::Lanes);
 
+/// Operations of LLVM that are one instruction or a few, with the same bits in a vector and alone and on every machine. What
+/// is not here would become calls into the machine's mathematics library.
+constexpr std::array VectorIntrinsics = {
+    Intrinsic::abs,         Intrinsic::bitreverse,  Intrinsic::bswap,   Intrinsic::canonicalize, Intrinsic::ceil,
+    Intrinsic::copysign,    Intrinsic::ctlz,        Intrinsic::ctpop,   Intrinsic::cttz,         Intrinsic::fabs,
+    Intrinsic::floor,       Intrinsic::fma,         Intrinsic::fptosi_sat, Intrinsic::fptoui_sat, Intrinsic::fshl,
+    Intrinsic::fshr,        Intrinsic::is_fpclass,  Intrinsic::maximum, Intrinsic::minimum,      Intrinsic::nearbyint,
+    Intrinsic::rint,        Intrinsic::round,       Intrinsic::roundeven, Intrinsic::sadd_sat,   Intrinsic::scmp,
+    Intrinsic::smax,        Intrinsic::smin,        Intrinsic::sqrt,    Intrinsic::ssub_sat,     Intrinsic::trunc,
+    Intrinsic::uadd_sat,    Intrinsic::ucmp,        Intrinsic::umax,    Intrinsic::umin,         Intrinsic::usub_sat,
+};
+
+/// Statements to the optimiser.
+constexpr std::array IgnoredIntrinsics = {
+    Intrinsic::assume, Intrinsic::lifetime_start, Intrinsic::lifetime_end, Intrinsic::experimental_noalias_scope_decl,
+    Intrinsic::dbg_declare, Intrinsic::dbg_value, Intrinsic::dbg_label, Intrinsic::dbg_assign, Intrinsic::donothing,
+};
+
+template <typename List> bool contains(const List& list, Intrinsic::ID id) { return std::find(list.begin(), list.end(), id) != list.end(); }
+
 } // namespace
 
 Value* Widener::at(Value* base, uint64_t offset) { return b.CreateConstInBoundsGEP1_64(b.getInt8Ty(), base, offset); }
 
-Value* Widener::loadLanes(Value* base, uint64_t offset, Type* type) { return b.CreateAlignedLoad(wideType(type), at(base, offset), Align(4)); }
+/// Something that does not change while the function runs.
+Value* Widener::given(Type* type, Value* base, uint64_t offset)
+{
+    LoadInst* load = b.CreateAlignedLoad(type, at(base, offset), Align(4));
+    load->setMetadata(LLVMContext::MD_invariant_load, MDNode::get(context_, {}));
+    return load;
+}
+
+Value* Widener::givenLanes(Type* type, Value* base, uint64_t offset) { return given(wideType(type), base, offset); }
 
 void Widener::storeLanes(Value* base, uint64_t offset, Value* value) { b.CreateAlignedStore(value, at(base, offset), Align(4)); }
 
-uint64_t Widener::number(const Value* constant)
+/// Lanes that do not come by keep what another branch stored.
+void Widener::storeResult(uint64_t offset, Value* value)
 {
-    auto* value = dyn_cast<ConstantInt>(constant);
-    return value ? value->getZExtValue() : 0;
+    if (everyLane_) storeLanes(output_, offset, value);
+    else b.CreateMaskedStore(value, at(output_, offset), Align(4), mask_);
 }
 
-CallInst* Widener::callRuntime(void* function, std::vector<Value*> arguments)
+/// A constant argument below a limit.
+uint64_t Widener::number(const CallInst& call, unsigned argument, uint64_t end)
+{
+    auto* value = dyn_cast<ConstantInt>(call.getArgOperand(argument));
+    if (value && value->getValue().ult(end)) return value->getZExtValue();
+    fail("an argument of '" + call.getCalledFunction()->getName() + "' is not a constant below " + Twine(end));
+    return 0;
+}
+
+CallInst* Widener::callRuntime(void* function, const std::vector<Value*>& arguments)
 {
     std::vector<Type*> types;
     for (Value* a : arguments) types.push_back(a->getType());
     Value* address = b.CreateIntToPtr(b.getInt64(reinterpret_cast<uint64_t>(function)), b.getPtrTy());
-    return b.CreateCall(FunctionType::get(b.getVoidTy(), types, false), address, arguments);
+    CallInst* call = b.CreateCall(FunctionType::get(b.getVoidTy(), types, false), address, arguments);
+    call->setDoesNotThrow();
+    return call;
 }
 
 void Widener::emitCall(CallInst& call)
 {
     llvm::Function* callee = call.getCalledFunction();
     if (!callee) return fail("calls through pointers are not supported");
-    if (isa<MemIntrinsic>(call)) return copyMemory(call);
+    if (auto* copy = dyn_cast<MemIntrinsic>(&call)) return copyMemory(*copy);
     if (callee->isIntrinsic()) return emitLlvmIntrinsic(call);
     StringRef name = callee->getName();
     if (!name.starts_with("softmetal_")) return fail("function '" + name + "' is called but has no body, or calls itself");
-    if (stageOutput(name, call)) return;
-    if (is(name, intrinsic::Sample) || is(name, intrinsic::SampleCompare) || is(name, intrinsic::Gather)) return access(name, call);
-    if (is(name, intrinsic::Read)) return read(call);
+    if (stageOutput(name, call) || access(name, call)) return;
     Value* result = stageInput(name, call);
     if (!result) result = resource(name, call);
     if (!result) return fail("operation '" + name + "' is not supported");
@@ -57,8 +98,8 @@ void Widener::emitCall(CallInst& call)
 void Widener::emitLlvmIntrinsic(CallInst& call)
 {
     Intrinsic::ID id = call.getIntrinsicID();
-    if (id == Intrinsic::assume || id == Intrinsic::lifetime_start || id == Intrinsic::lifetime_end || isa<DbgInfoIntrinsic>(call)) return;
-    if (!isTriviallyVectorizable(id)) return fail("operation '" + call.getCalledFunction()->getName() + "' is not supported");
+    if (contains(IgnoredIntrinsics, id)) return;
+    if (!contains(VectorIntrinsics, id)) return fail("operation '" + call.getCalledFunction()->getName() + "' is not supported");
     bool wide = divergent(&call);
     std::vector<Value*> arguments;
     std::vector<Type*> overloads;
@@ -77,16 +118,18 @@ void Widener::emitLlvmIntrinsic(CallInst& call)
 Value* Widener::stageInput(StringRef name, CallInst& call)
 {
     Type *integer = b.getInt32Ty(), *real = b.getFloatTy();
-    auto word = [&](uint64_t offset) { return b.CreateLoad(integer, at(input_, offset)); };
-    auto component = [&] { return number(call.getArgOperand(0)); };
-    if (is(name, intrinsic::Attribute)) {
-        Value* attributes = b.CreateLoad(b.getPtrTy(), at(input_, offsetof(abi::VertexInput, attributes)));
-        return loadLanes(attributes, (component() * 4 + number(call.getArgOperand(1))) * LaneBytes, integer);
+    auto word = [&](uint64_t offset) { return given(integer, input_, offset); };
+    if (options_.stage == Stage::Vertex) {
+        if (is(name, intrinsic::Attribute)) {
+            uint64_t index = number(call, 0, abi::MaxVertexAttributes) * 4 + number(call, 1, 4);
+            return givenLanes(integer, given(b.getPtrTy(), input_, offsetof(abi::VertexInput, attributes)), index * LaneBytes);
+        }
+        if (is(name, intrinsic::VertexId)) return givenLanes(integer, input_, offsetof(abi::VertexInput, vertexId));
+        if (is(name, intrinsic::InstanceId)) return givenLanes(integer, input_, offsetof(abi::VertexInput, instanceId));
+        if (is(name, intrinsic::BaseVertex)) return word(offsetof(abi::VertexInput, baseVertex));
+        if (is(name, intrinsic::BaseInstance)) return word(offsetof(abi::VertexInput, baseInstance));
+        return nullptr;
     }
-    if (is(name, intrinsic::VertexId)) return loadLanes(input_, offsetof(abi::VertexInput, vertexId), integer);
-    if (is(name, intrinsic::InstanceId)) return loadLanes(input_, offsetof(abi::VertexInput, instanceId), integer);
-    if (is(name, intrinsic::BaseVertex)) return word(offsetof(abi::VertexInput, baseVertex));
-    if (is(name, intrinsic::BaseInstance)) return word(offsetof(abi::VertexInput, baseInstance));
     if (is(name, intrinsic::FrontFacing)) return word(offsetof(abi::FragmentInput, frontFacing));
     if (is(name, intrinsic::PrimitiveId)) return word(offsetof(abi::FragmentInput, primitiveId));
     if (is(name, intrinsic::SampleMask)) return word(offsetof(abi::FragmentInput, sampleMask));
@@ -94,10 +137,10 @@ Value* Widener::stageInput(StringRef name, CallInst& call)
     if (is(name, intrinsic::Position)) {
         static constexpr uint64_t Offsets[] = {offsetof(abi::FragmentInput, x), offsetof(abi::FragmentInput, y), offsetof(abi::FragmentInput, z),
                                                offsetof(abi::FragmentInput, invW)};
-        return loadLanes(input_, Offsets[component() & 3], real);
+        return givenLanes(real, input_, Offsets[number(call, 0, 4)]);
     }
     if (is(name, intrinsic::PointCoord))
-        return loadLanes(input_, component() == 0 ? offsetof(abi::FragmentInput, pointX) : offsetof(abi::FragmentInput, pointY), real);
+        return givenLanes(real, input_, number(call, 0, 2) == 0 ? offsetof(abi::FragmentInput, pointX) : offsetof(abi::FragmentInput, pointY));
     return nullptr;
 }
 
@@ -105,90 +148,20 @@ Value* Widener::stageInput(StringRef name, CallInst& call)
 Value* Widener::varying(CallInst& call)
 {
     Type* real = b.getFloatTy();
-    uint64_t plane = number(call.getArgOperand(0)) * sizeof(abi::Plane);
-    auto interpolation = static_cast<Interpolation>(number(call.getArgOperand(1)));
-    Value* planes = b.CreateLoad(b.getPtrTy(), at(input_, offsetof(abi::FragmentInput, planes)));
-    auto coefficient = [&](uint64_t offset) { return b.CreateVectorSplat(lanes_, b.CreateLoad(real, at(planes, plane + offset))); };
+    uint64_t plane = number(call, 0, abi::MaxVertexOutputComponents) * sizeof(abi::Plane);
+    auto interpolation = static_cast<Interpolation>(number(call, 1, 3));
+    Value* planes = given(b.getPtrTy(), input_, offsetof(abi::FragmentInput, planes));
+    auto coefficient = [&](uint64_t offset) { return b.CreateVectorSplat(lanes_, given(real, planes, plane + offset)); };
     Value* origin = coefficient(offsetof(abi::Plane, origin));
     if (interpolation == Interpolation::Flat) return origin;
     auto distance = [&](uint64_t lanes, uint64_t reference) {
-        return b.CreateFSub(loadLanes(input_, lanes, real), b.CreateVectorSplat(lanes_, b.CreateLoad(real, at(input_, reference))));
+        return b.CreateFSub(givenLanes(real, input_, lanes), b.CreateVectorSplat(lanes_, given(real, input_, reference)));
     };
     Value* x = distance(offsetof(abi::FragmentInput, x), offsetof(abi::FragmentInput, originX));
     Value* y = distance(offsetof(abi::FragmentInput, y), offsetof(abi::FragmentInput, originY));
     Value* value = b.CreateFAdd(b.CreateFAdd(origin, b.CreateFMul(x, coefficient(offsetof(abi::Plane, dx)))),
                                 b.CreateFMul(y, coefficient(offsetof(abi::Plane, dy))));
-    return interpolation == Interpolation::NoPerspective ? value : b.CreateFMul(value, loadLanes(input_, offsetof(abi::FragmentInput, w), real));
-}
-
-// ---- outputs -----------------------------------------------------------------------------------------------------------
-
-bool Widener::stageOutput(StringRef name, CallInst& call)
-{
-    auto value = [&](unsigned argument) { return vector(call.getArgOperand(argument)); };
-    if (is(name, intrinsic::StoreOutput)) {
-        storeLanes(output_, offsetof(abi::VertexOutput, component) + number(call.getArgOperand(0)) * LaneBytes, value(1));
-    } else if (is(name, intrinsic::StoreColor)) {
-        uint64_t index = number(call.getArgOperand(0)) * 4 + number(call.getArgOperand(1));
-        storeLanes(output_, offsetof(abi::FragmentOutput, color) + index * LaneBytes, value(2));
-    } else if (is(name, intrinsic::StoreDepth)) {
-        storeLanes(output_, offsetof(abi::FragmentOutput, depth), value(0));
-    } else if (is(name, intrinsic::StoreStencil)) {
-        storeLanes(output_, offsetof(abi::FragmentOutput, stencil), value(0));
-    } else if (is(name, intrinsic::StoreCoverage)) {
-        storeLanes(output_, offsetof(abi::FragmentOutput, coverage), value(0));
-    } else if (is(name, intrinsic::Discard)) {
-        b.CreateStore(b.CreateOr(b.CreateLoad(maskType_, killed_), mask_), killed_);
-    } else {
-        return false;
-    }
-    return true;
-}
-
-// ---- resources -----------------------------------------------------------------------------------------------------------
-
-Value* Widener::resource(StringRef name, CallInst& call)
-{
-    auto bound = [&](uint64_t table) { return b.CreateLoad(b.getPtrTy(), at(resources_, table + number(call.getArgOperand(0)) * sizeof(void*))); };
-    if (is(name, intrinsic::Buffer)) return bound(offsetof(abi::Resources, buffers));
-    if (is(name, intrinsic::Texture)) return bound(offsetof(abi::Resources, textures));
-    if (is(name, intrinsic::Sampler)) return bound(offsetof(abi::Resources, samplers));
-    if (is(name, intrinsic::ConstantSampler)) return constantSampler(call);
-    if (is(name, intrinsic::TextureSize)) return textureSize(call);
-    if (is(name, intrinsic::Dfdx)) return derivative(vector(call.getArgOperand(0)), false);
-    if (is(name, intrinsic::Dfdy)) return derivative(vector(call.getArgOperand(0)), true);
-    return nullptr;
-}
-
-Value* Widener::constantSampler(CallInst& call)
-{
-    std::array<uint64_t, 3> words;
-    for (unsigned i = 0; i < 3; ++i) {
-        if (!isa<ConstantInt>(call.getArgOperand(i))) fail("a sampler written in the program must be constant");
-        words[i] = number(call.getArgOperand(i));
-    }
-    static_assert(sizeof(abi::Sampler) == sizeof words);
-    Constant* contents = ConstantDataArray::get(context_, words);
-    return new GlobalVariable(module_, contents->getType(), true, GlobalValue::InternalLinkage, contents);
-}
-
-/// Size of a level, at least one; zero for a texture that is not bound.
-Value* Widener::textureSize(CallInst& call)
-{
-    static constexpr uint64_t Offsets[] = {offsetof(abi::Texture, width),       offsetof(abi::Texture, height),     offsetof(abi::Texture, depth),
-                                           offsetof(abi::Texture, arrayLength), offsetof(abi::Texture, levelCount), offsetof(abi::Texture, sampleCount)};
-    Type* integer = b.getInt32Ty();
-    uint64_t what = std::min<uint64_t>(number(call.getArgOperand(1)), 5);
-    Value* texture = uniform(call.getArgOperand(0));
-    Value* missing = b.CreateIsNull(texture);
-    Value* zeros = new GlobalVariable(module_, ArrayType::get(b.getInt8Ty(), 64), true, GlobalValue::InternalLinkage,
-                                      Constant::getNullValue(ArrayType::get(b.getInt8Ty(), 64)));
-    static_assert(offsetof(abi::Texture, sampleCount) < 60);
-    Value* size = b.CreateLoad(integer, at(b.CreateSelect(missing, zeros, texture), Offsets[what]));
-    if (what > 2) return size;
-    Value* level = b.CreateAnd(uniform(call.getArgOperand(2)), b.getInt32(31));
-    Value* shifted = b.CreateBinaryIntrinsic(Intrinsic::umax, b.CreateLShr(size, level), b.getInt32(1));
-    return b.CreateSelect(missing, b.getInt32(0), shifted);
+    return interpolation == Interpolation::NoPerspective ? value : b.CreateFMul(value, givenLanes(real, input_, offsetof(abi::FragmentInput, w)));
 }
 
 /// Right less left, or lower less upper, within each quad.
@@ -203,70 +176,31 @@ Value* Widener::derivative(Value* value, bool vertical)
     return b.CreateFSub(b.CreateShuffleVector(value, second), b.CreateShuffleVector(value, first));
 }
 
-// ---- texture accesses ------------------------------------------------------------------------------------------------------
+// ---- outputs -----------------------------------------------------------------------------------------------------------
 
-void Widener::access(StringRef name, CallInst& call)
+bool Widener::stageOutput(StringRef name, CallInst& call)
 {
-    if (!sampleCall_) {
-        sampleCall_ = slot(ArrayType::get(b.getInt8Ty(), sizeof(abi::SampleCall)));
-        sampleCall_->setAlignment(Align(64));
-    }
-    Value* place = sampleCall_;
-    auto argument = [&](unsigned i) { return call.getArgOperand(i); };
-    auto word = [&](Value* value, uint64_t offset) { b.CreateStore(value, at(place, offset)); };
-    word(maskAsInteger(), offsetof(abi::SampleCall, mask));
-    word(uniform(argument(2)), offsetof(abi::SampleCall, lodMode));
-    word(b.getInt32(options_.stage == Stage::Fragment), offsetof(abi::SampleCall, stage));
-    for (unsigned i = 0; i < 3; ++i) word(uniform(argument(14 + i)), offsetof(abi::SampleCall, offset) + i * 4);
-    word(uniform(argument(17)), offsetof(abi::SampleCall, minLodClamp));
-    for (unsigned i = 0; i < 3; ++i) storeLanes(place, offsetof(abi::SampleCall, coordinate) + i * LaneBytes, vector(argument(3 + i)));
-    storeLanes(place, offsetof(abi::SampleCall, layer), vector(argument(6)));
-    uint64_t mode = number(argument(2));
-    if (mode == 1 || mode == 2 || !isa<Constant>(argument(2))) storeLanes(place, offsetof(abi::SampleCall, lod), vector(argument(7)));
-    if (mode == 3 || !isa<Constant>(argument(2)))
-        for (unsigned i = 0; i < 3; ++i) {
-            storeLanes(place, offsetof(abi::SampleCall, gradientX) + i * LaneBytes, vector(argument(8 + i)));
-            storeLanes(place, offsetof(abi::SampleCall, gradientY) + i * LaneBytes, vector(argument(11 + i)));
-        }
-    Value *texture = uniform(argument(0)), *sampler = uniform(argument(1));
-    const abi::RuntimeTable& runtime = *options_.runtime;
-    if (is(name, intrinsic::Sample)) {
-        callRuntime(reinterpret_cast<void*>(runtime.sample), {texture, sampler, place});
-    } else if (is(name, intrinsic::SampleCompare)) {
-        storeLanes(place, offsetof(abi::SampleCall, compare), vector(argument(18)));
-        callRuntime(reinterpret_cast<void*>(runtime.sampleCompare), {texture, sampler, place});
+    auto value = [&](unsigned argument) { return vector(call.getArgOperand(argument)); };
+    if (options_.stage == Stage::Vertex) {
+        if (!is(name, intrinsic::StoreOutput)) return false;
+        uint64_t offset = offsetof(abi::VertexOutput, component) + number(call, 0, abi::MaxVertexOutputComponents) * LaneBytes;
+        vertexOutputs_.insert(offset);
+        storeResult(offset, value(1));
+    } else if (is(name, intrinsic::StoreColor)) {
+        uint64_t index = number(call, 0, abi::MaxColorOutputs) * 4 + number(call, 1, 4);
+        storeResult(offsetof(abi::FragmentOutput, color) + index * LaneBytes, value(2));
+    } else if (is(name, intrinsic::StoreDepth)) {
+        storeResult(offsetof(abi::FragmentOutput, depth), value(0));
+    } else if (is(name, intrinsic::StoreStencil)) {
+        storeResult(offsetof(abi::FragmentOutput, stencil), value(0));
+    } else if (is(name, intrinsic::StoreCoverage)) {
+        storeResult(offsetof(abi::FragmentOutput, coverage), value(0));
+    } else if (is(name, intrinsic::Discard)) {
+        b.CreateStore(b.CreateOr(b.CreateLoad(maskType_, killed_), mask_), killed_);
     } else {
-        callRuntime(reinterpret_cast<void*>(runtime.gather), {texture, sampler, place, uniform(argument(18))});
+        return false;
     }
-    accessResults(call, at(place, offsetof(abi::SampleCall, result)));
-}
-
-void Widener::read(CallInst& call)
-{
-    if (!readCall_) readCall_ = slot(ArrayType::get(b.getInt8Ty(), sizeof(abi::ReadCall)));
-    b.CreateStore(maskAsInteger(), at(readCall_, offsetof(abi::ReadCall, mask)));
-    for (unsigned i = 0; i < 3; ++i) storeLanes(readCall_, offsetof(abi::ReadCall, coordinate) + i * LaneBytes, vector(call.getArgOperand(1 + i)));
-    storeLanes(readCall_, offsetof(abi::ReadCall, layer), vector(call.getArgOperand(4)));
-    storeLanes(readCall_, offsetof(abi::ReadCall, level), vector(call.getArgOperand(5)));
-    callRuntime(reinterpret_cast<void*>(options_.runtime->read), {uniform(call.getArgOperand(0)), readCall_});
-    accessResults(call, at(readCall_, offsetof(abi::ReadCall, result)));
-}
-
-/// The four components of an access wait in slots for the instructions that pick them.
-void Widener::accessResults(CallInst& call, Value* where)
-{
-    for (uint64_t component = 0; component < 4; ++component) {
-        AllocaInst*& place = componentSlots_[{&call, component}];
-        if (!place) place = slot(wideType(b.getFloatTy()));
-        b.CreateStore(loadLanes(where, component * LaneBytes, b.getFloatTy()), place);
-    }
-}
-
-void Widener::extract(ExtractElementInst& instruction)
-{
-    auto place = componentSlots_.find({instruction.getVectorOperand(), number(instruction.getIndexOperand())});
-    if (place == componentSlots_.end()) return fail("a vector value is taken apart");
-    define(&instruction, b.CreateLoad(place->second->getAllocatedType(), place->second));
+    return true;
 }
 
 } // namespace softmetal::shader

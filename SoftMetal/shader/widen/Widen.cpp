@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 // Control flow of the widened function; what single instructions become is in WideInstructions.cpp and WideCalls.cpp.
+#include "shader/widen/Prepare.h"
 #include "shader/widen/Widener.h"
 
 #include <llvm/ADT/PostOrderIterator.h>
-#include <llvm/IR/Intrinsics.h>
+#include <llvm/IR/InstIterator.h>
 
 namespace softmetal::shader {
 
@@ -15,6 +16,10 @@ Widener::Widener(llvm::Function& scalar, const WidenOptions& options)
 {
     maskType_ = FixedVectorType::get(b.getInt1Ty(), lanes_);
     maskBits_ = b.getIntNTy(lanes_);
+    for (const Instruction& i : instructions(scalar)) {
+        if (const auto* store = dyn_cast<StoreInst>(&i)) writesBuffers_ |= memoryOf(store->getPointerOperand()) != Memory::Private;
+        if (const auto* copy = dyn_cast<MemIntrinsic>(&i)) writesBuffers_ |= memoryOf(copy->getDest()) != Memory::Private;
+    }
 }
 
 llvm::Function* Widener::run(std::string& error)
@@ -23,24 +28,39 @@ llvm::Function* Widener::run(std::string& error)
     auto* type = FunctionType::get(b.getVoidTy(), {pointer, pointer, pointer}, false);
     wide_ = llvm::Function::Create(type, llvm::Function::ExternalLinkage, WideName, module_);
     wide_->addFnAttr(Attribute::NoUnwind);
+    for (unsigned i = 0; i < 3; ++i) wide_->addParamAttr(i, Attribute::NoAlias);
     input_ = wide_->getArg(0);
     output_ = wide_->getArg(1);
     resources_ = wide_->getArg(2);
     slots_ = BasicBlock::Create(context_, "", wide_);
     BasicBlock* body = BasicBlock::Create(context_, "", wide_);
     exit_ = BasicBlock::Create(context_, "", wide_);
+    stop_ = BasicBlock::Create(context_, "", wide_, exit_);
     b.SetInsertPoint(body);
     prepareMasks();
+    checkTypes();
     allocatePrivate();
-    emitRegion(nullptr);
+    if (error_.empty()) emitRegion(nullptr);
     finish();
     b.CreateBr(exit_);
+    emitStop();
     b.SetInsertPoint(exit_);
     b.CreateRetVoid();
     b.SetInsertPoint(slots_);
     b.CreateBr(body);
     error = error_;
     return error_.empty() ? wide_ : nullptr;
+}
+
+/// Values in registers are scalars, but for the results of texture accesses.
+void Widener::checkTypes()
+{
+    for (const Instruction& i : instructions(scalar_)) {
+        const Type* type = i.getType();
+        bool scalar = type->isVoidTy() || type->isPointerTy() || type->isHalfTy() || type->isFloatTy() || type->isDoubleTy() ||
+                      (type->isIntegerTy() && type->getIntegerBitWidth() <= 64);
+        if (!scalar && (!isa<CallInst>(i) || isa<IntrinsicInst>(i))) return fail("a vector, aggregate or large value is left in '" + Twine(i.getOpcodeName()) + "'");
+    }
 }
 
 void Widener::fail(const Twine& words)
@@ -53,9 +73,8 @@ void Widener::fail(const Twine& words)
 void Widener::prepareMasks()
 {
     bool fragment = options_.stage == Stage::Fragment;
-    Value* covered = b.CreateLoad(b.getInt32Ty(), at(input_, fragment ? offsetof(abi::FragmentInput, mask) : offsetof(abi::VertexInput, mask)));
-    Value* live = fragment ? b.CreateLoad(b.getInt32Ty(), at(input_, offsetof(abi::FragmentInput, live))) : covered;
-    entryMask_ = toMask(live);
+    Value* covered = given(b.getInt32Ty(), input_, fragment ? offsetof(abi::FragmentInput, mask) : offsetof(abi::VertexInput, mask));
+    entryMask_ = toMask(fragment ? given(b.getInt32Ty(), input_, offsetof(abi::FragmentInput, live)) : covered);
     killed_ = slot(maskType_);
     limit_ = slot(b.getInt64Ty());
     if (fragment) b.CreateStore(b.getInt32(0), at(output_, offsetof(abi::FragmentOutput, mask)));
@@ -64,9 +83,18 @@ void Widener::prepareMasks()
 void Widener::finish()
 {
     if (options_.stage != Stage::Fragment) return;
-    Value* covered = b.CreateLoad(b.getInt32Ty(), at(input_, offsetof(abi::FragmentInput, mask)));
+    Value* covered = given(b.getInt32Ty(), input_, offsetof(abi::FragmentInput, mask));
     Value* killed = b.CreateZExtOrTrunc(b.CreateBitCast(b.CreateLoad(maskType_, killed_), maskBits_), b.getInt32Ty());
     b.CreateStore(b.CreateAnd(covered, b.CreateNot(killed)), at(output_, offsetof(abi::FragmentOutput, mask)));
+}
+
+/// A loop without end: fragments are not covered, vertices are all zero, which draws nothing.
+void Widener::emitStop()
+{
+    startBlock(stop_);
+    callRuntime(reinterpret_cast<void*>(options_.runtime->loopLimitReached), {});
+    for (uint64_t offset : vertexOutputs_) storeLanes(output_, offset, Constant::getNullValue(wideType(b.getFloatTy())));
+    b.CreateBr(exit_);
 }
 
 Value* Widener::toMask(Value* bits) { return b.CreateBitCast(b.CreateTrunc(bits, maskBits_), maskType_); }
@@ -112,6 +140,7 @@ void Widener::define(const Instruction* instruction, Value* value)
 Value* Widener::kept(const Value* value)
 {
     if (isa<Constant>(value)) return const_cast<Value*>(value);
+    if (isa<AllocaInst>(value)) return b.CreateGEP(b.getInt8Ty(), private_, b.getInt64(privateOffsets_[value]));
     Value*& known = local_[value];
     if (!known) {
         AllocaInst* place = slotOf(value);
@@ -204,6 +233,7 @@ void Widener::emitLoop(Loop* loop)
     startBlock(head);
     clearEdges(loop);
     mask_ = b.CreateLoad(maskType_, active);
+    everyLane_ = false;
     emitInstructions(header);
     emitRegion(loop);
     Value* again = incoming(header, loop, true);
@@ -213,11 +243,7 @@ void Widener::emitLoop(Loop* loop)
     startBlock(count);
     Value* trips = b.CreateAdd(b.CreateLoad(b.getInt64Ty(), limit_), b.getInt64(1));
     b.CreateStore(trips, limit_);
-    BasicBlock* stop = BasicBlock::Create(context_, "", wide_, exit_);
-    b.CreateCondBr(b.CreateICmpUGT(trips, b.getInt64(options_.loopLimit)), stop, head);
-    startBlock(stop);
-    callRuntime(reinterpret_cast<void*>(options_.runtime->loopLimitReached), {});
-    b.CreateBr(exit_);
+    b.CreateCondBr(b.CreateICmpUGT(trips, b.getInt64(options_.loopLimit)), stop_, head);
     startBlock(after);
 }
 
@@ -235,7 +261,8 @@ bool Widener::isAlwaysReached(const BasicBlock* block)
 
 void Widener::emitBlock(BasicBlock* block)
 {
-    if (isAlwaysReached(block)) {
+    everyLane_ = isAlwaysReached(block);
+    if (everyLane_) {
         local_.clear();
         mask_ = entryMask_;
         return emitInstructions(block);
@@ -253,6 +280,7 @@ void Widener::emitBlock(BasicBlock* block)
 void Widener::emitInstructions(BasicBlock* block)
 {
     for (Instruction& instruction : *block) {
+        if (!error_.empty()) return; // what comes next may depend on what could not be written
         if (isa<PHINode>(instruction)) kept(&instruction);
         else if (!instruction.isTerminator()) emit(instruction);
     }
@@ -261,43 +289,54 @@ void Widener::emitInstructions(BasicBlock* block)
 
 void Widener::emitTerminator(Instruction* terminator)
 {
-    BasicBlock* from = terminator->getParent();
     if (isa<ReturnInst>(terminator) || isa<UnreachableInst>(terminator)) return;
     auto* branch = dyn_cast<BranchInst>(terminator);
     if (!branch) return fail("a kind of branch that is not supported");
-    if (branch->isUnconditional()) return takeEdge(from, branch->getSuccessor(0), mask_, nullptr);
-    Value* condition = branch->getCondition();
-    if (divergent(condition)) {
-        Value* taken = kept(condition);
-        takeEdge(from, branch->getSuccessor(0), b.CreateSelect(mask_, taken, none()), nullptr);
-        takeEdge(from, branch->getSuccessor(1), b.CreateSelect(mask_, b.CreateNot(taken), none()), nullptr);
-        return;
-    }
-    Value* taken = kept(condition);
+    BasicBlock* from = terminator->getParent();
+    BasicBlock* first = branch->getSuccessor(0);
+    if (branch->isUnconditional() || first == branch->getSuccessor(1)) return takeEdges(from, {{first, mask_, nullptr}});
+    BasicBlock* second = branch->getSuccessor(1);
+    Value* taken = kept(branch->getCondition());
     Value* other = b.CreateNot(taken);
-    takeEdge(from, branch->getSuccessor(0), b.CreateSelect(taken, mask_, none()), taken);
-    takeEdge(from, branch->getSuccessor(1), b.CreateSelect(other, mask_, none()), other);
+    if (divergent(branch->getCondition()))
+        return takeEdges(from, {{first, b.CreateSelect(mask_, taken, none()), nullptr}, {second, b.CreateSelect(mask_, other, none()), nullptr}});
+    takeEdges(from, {{first, b.CreateSelect(taken, mask_, none()), taken}, {second, b.CreateSelect(other, mask_, none()), other}});
 }
 
-/// Lanes of the mask go on to a block; condition, when given, says for all of them at once whether they do.
-void Widener::takeEdge(BasicBlock* from, BasicBlock* to, Value* mask, Value* condition)
+/// Lanes go on to the next blocks. All values are read before any is overwritten.
+void Widener::takeEdges(BasicBlock* from, const std::vector<Edge>& edges)
 {
-    AllocaInst* place = edgeSlot(from, to);
-    b.CreateStore(b.CreateOr(b.CreateLoad(maskType_, place), mask), place);
-    std::vector<std::pair<PHINode*, Value*>> values; // read all before any is overwritten
-    for (PHINode& phi : to->phis()) {
-        Value* value = phi.getIncomingValueForBlock(from);
-        values.emplace_back(&phi, divergent(&phi) ? vector(value) : uniform(value));
+    struct Assignment
+    {
+        const Edge* edge;
+        PHINode* phi;
+        Value* value;
+    };
+    std::vector<Assignment> assignments;
+    for (const Edge& edge : edges) {
+        for (PHINode& phi : edge.to->phis()) {
+            Value* value = phi.getIncomingValueForBlock(from);
+            assignments.push_back({&edge, &phi, divergent(&phi) ? vector(value) : uniform(value)});
+        }
     }
-    for (auto& [phi, value] : values) {
-        AllocaInst* target = slotOf(phi);
+    for (const Edge& edge : edges) {
+        AllocaInst* place = edgeSlot(from, edge.to);
+        b.CreateStore(b.CreateOr(b.CreateLoad(maskType_, place), edge.mask), place);
+    }
+    for (const Assignment& a : assignments) {
+        AllocaInst* target = slotOf(a.phi);
         Value* old = b.CreateLoad(target->getAllocatedType(), target);
-        if (divergent(phi)) value = b.CreateSelect(mask, value, old);
-        else if (condition) value = b.CreateSelect(condition, value, old);
+        Value* value = a.value;
+        if (divergent(a.phi)) value = b.CreateSelect(a.edge->mask, value, old);
+        else if (a.edge->condition) value = b.CreateSelect(a.edge->condition, value, old);
         b.CreateStore(value, target);
     }
 }
 
-llvm::Function* widen(llvm::Function& scalar, const WidenOptions& options, std::string& error) { return Widener(scalar, options).run(error); }
+llvm::Function* widen(llvm::Function& scalar, const WidenOptions& options, std::string& error)
+{
+    defineEveryResult(scalar);
+    return Widener(scalar, options).run(error);
+}
 
 } // namespace softmetal::shader

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// The class behind widen(): state of one run, shared by the files of this room.
+// The class behind widen(): state of one run. Control flow is in Widen.cpp, single instructions in WideInstructions.cpp,
+// memory in WideMemory.cpp, stage inputs and outputs in WideCalls.cpp, texture accesses in WideAccesses.cpp.
 #pragma once
 
 #include "shader/Intrinsics.h"
@@ -9,10 +10,11 @@
 #include <llvm/Analysis/LoopInfo.h>
 #include <llvm/Analysis/PostDominators.h>
 #include <llvm/IR/IRBuilder.h>
-#include <llvm/IR/Instructions.h>
+#include <llvm/IR/IntrinsicInst.h>
 #include <llvm/IR/Module.h>
 
 #include <map>
+#include <set>
 #include <unordered_map>
 #include <vector>
 
@@ -31,6 +33,8 @@ private:
     // masks
     void prepareMasks();
     void finish();
+    void emitStop();
+    void checkTypes();
     Value* toMask(Value* bits);
     Value* maskAsInteger();
     Value* any(Value* mask);
@@ -60,39 +64,60 @@ private:
     void emitBlock(BasicBlock* block);
     void emitInstructions(BasicBlock* block);
     void emitTerminator(llvm::Instruction* terminator);
-    void takeEdge(BasicBlock* from, BasicBlock* to, Value* mask, Value* condition);
+    struct Edge
+    {
+        BasicBlock* to;
+        Value* mask;      // lanes that take it
+        Value* condition; // for all lanes at once, where the branch is uniform
+    };
+    void takeEdges(BasicBlock* from, const std::vector<Edge>& edges);
 
-    // instructions (WideInstructions.cpp)
+    // instructions
     void emit(llvm::Instruction& instruction);
     void emitUniform(llvm::Instruction& instruction);
-    void emitWide(llvm::Instruction& instruction);
     Value* wideOperation(llvm::Instruction& instruction);
-    Value* safeDivisor(const llvm::Instruction& instruction, Value* dividend, Value* divisor, bool wide);
-    Value* toInteger(const llvm::CastInst& conversion, Value* value, llvm::Type* type);
+
+    // memory
     void allocatePrivate();
+    Value* privateOffset(Value* pointer, uint64_t size);
+    Value* pieceAddress(Value* offset, uint64_t piece);
+    Value* loadPrivate(llvm::LoadInst& instruction);
+    void storePrivate(Value* value, Value* pointer, llvm::Align alignment);
+    Value* loadPieces(Value* offset, uint64_t size, uint64_t piece);
+    void storePieces(Value* value, Value* offset, uint64_t size, uint64_t piece);
+    Value* effectMask();
     Value* load(llvm::LoadInst& instruction);
     void store(llvm::StoreInst& instruction);
-    void copyMemory(llvm::CallInst& call);
+    void copyMemory(llvm::MemIntrinsic& call);
+    Value* sourceBytes(llvm::MemIntrinsic& call, uint64_t at, uint64_t piece);
+    uint64_t bytes(llvm::Type* type) const;
 
-    // calls (WideCalls.cpp)
+    // calls
     void emitCall(llvm::CallInst& call);
     void emitLlvmIntrinsic(llvm::CallInst& call);
     Value* stageInput(llvm::StringRef name, llvm::CallInst& call);
     bool stageOutput(llvm::StringRef name, llvm::CallInst& call);
-    Value* resource(llvm::StringRef name, llvm::CallInst& call);
     Value* varying(llvm::CallInst& call);
     Value* derivative(Value* value, bool vertical);
-    void access(llvm::StringRef name, llvm::CallInst& call);
+    Value* at(Value* base, uint64_t offset);
+    Value* given(llvm::Type* type, Value* base, uint64_t offset);
+    Value* givenLanes(llvm::Type* type, Value* base, uint64_t offset);
+    void storeLanes(Value* base, uint64_t offset, Value* value);
+    void storeResult(uint64_t offset, Value* value);
+    llvm::CallInst* callRuntime(void* function, const std::vector<Value*>& arguments);
+    uint64_t number(const llvm::CallInst& call, unsigned argument, uint64_t end);
+
+    // texture accesses
+    Value* resource(llvm::StringRef name, llvm::CallInst& call);
+    bool access(llvm::StringRef name, llvm::CallInst& call);
+    void fillSample(llvm::CallInst& call, Value* place);
     void read(llvm::CallInst& call);
+    Value* chosen(const Value* pointer, const char* what);
+    llvm::AllocaInst* accessPlace(uint64_t size, uint64_t results);
     void accessResults(llvm::CallInst& call, Value* where);
     void extract(llvm::ExtractElementInst& instruction);
     Value* textureSize(llvm::CallInst& call);
     Value* constantSampler(llvm::CallInst& call);
-    Value* at(Value* base, uint64_t offset);
-    Value* loadLanes(Value* base, uint64_t offset, llvm::Type* type);
-    void storeLanes(Value* base, uint64_t offset, Value* value);
-    llvm::CallInst* callRuntime(void* function, std::vector<Value*> arguments);
-    static uint64_t number(const Value* constant);
 
     WidenOptions options_;
     llvm::Function& scalar_;
@@ -109,10 +134,17 @@ private:
     llvm::Function* wide_ = nullptr;
     Value *input_ = nullptr, *output_ = nullptr, *resources_ = nullptr;
     BasicBlock *slots_ = nullptr, *exit_ = nullptr; // slots and their zeros at the front, the return at the end
+    BasicBlock* stop_ = nullptr;                    // where a loop that does not end leaves
     llvm::VectorType* maskType_ = nullptr;
     llvm::IntegerType* maskBits_ = nullptr;
     Value *entryMask_ = nullptr, *mask_ = nullptr; // lanes that entered; lanes of the block being written
+    bool everyLane_ = true;                        // mask_ is entryMask_
     llvm::AllocaInst *killed_ = nullptr, *limit_ = nullptr, *sampleCall_ = nullptr, *readCall_ = nullptr;
+    llvm::AllocaInst* private_ = nullptr; // all lanes' private memory
+    uint64_t privateSize_ = 0;            // of one lane, in bytes
+    std::unordered_map<const Value*, uint64_t> privateOffsets_;
+    bool writesBuffers_ = false;
+    std::set<uint64_t> vertexOutputs_; // offsets that are written
     std::vector<BasicBlock*> order_;
     std::unordered_map<const Value*, Value*> local_; // known in the block being written
     std::unordered_map<const Value*, llvm::AllocaInst*> valueSlots_;

@@ -61,6 +61,18 @@ TEST_F(CommandBuffer, RunInTheOrderOfEnqueueing)
     EXPECT_EQ(*static_cast<uint8_t*>(b->contents()), 2);
 }
 
+TEST_F(CommandBuffer, IsScheduledWhileTheOneBeforeItRuns)
+{
+    SoftMetal::setCommandBufferDelay(200);
+    auto *first = queue->commandBuffer(), *second = queue->commandBuffer();
+    first->commit();
+    second->commit();
+    second->waitUntilScheduled();
+    EXPECT_LT(first->status(), MTL::CommandBufferStatusCompleted);
+    second->waitUntilCompleted();
+    EXPECT_EQ(first->status(), MTL::CommandBufferStatusCompleted);
+}
+
 TEST_F(CommandBuffer, DroppedAfterEnqueueingHoldsNothingUp)
 {
     auto* inner = NS::AutoreleasePool::alloc()->init();

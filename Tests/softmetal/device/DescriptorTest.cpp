@@ -159,35 +159,4 @@ TEST_F(Descriptor, PipelineCopiesItsVertexDescriptor)
     EXPECT_EQ(d->vertexDescriptor()->layouts()->object(0)->stride(), 0u);
 }
 
-// ---- capture --------------------------------------------------------------------------------------------------------------
-
-using Capture = Device;
-
-TEST_F(Capture, IsNotSupportedUnlessAskedFor)
-{
-    auto* manager = MTL::CaptureManager::sharedCaptureManager();
-    EXPECT_FALSE(manager->supportsDestination(MTL::CaptureDestinationGPUTraceDocument));
-    auto* d = owned(MTL::CaptureDescriptor::alloc()->init());
-    d->setDestination(MTL::CaptureDestinationGPUTraceDocument);
-    d->setCaptureObject(reinterpret_cast<decltype(d->captureObject())>(device));
-    NS::Error* error = nullptr;
-    EXPECT_FALSE(manager->startCapture(d, &error));
-    ASSERT_NE(error, nullptr);
-    EXPECT_EQ(error->code(), MTL::CaptureErrorNotSupported);
-    EXPECT_FALSE(manager->isCapturing());
-}
-
-TEST_F(Capture, ScopesKnowTheirDevice)
-{
-    auto* manager = MTL::CaptureManager::sharedCaptureManager();
-    auto* scope = owned(manager->newCaptureScope(device));
-    scope->setLabel(text("frame"));
-    EXPECT_EQ(scope->device(), device);
-    EXPECT_STREQ(scope->label()->utf8String(), "frame");
-    scope->beginScope();
-    scope->endScope();
-    EXPECT_EQ(owned(manager->newCaptureScope(queue))->commandQueue(), queue);
-    EXPECT_EQ(owned(manager->newCaptureScope(queue))->device(), device);
-}
-
 } // namespace device_test

@@ -57,6 +57,7 @@ protected:
         SoftMetal::takeMessages();
         device = MTL::CreateSystemDefaultDevice();
         queue = device->newCommandQueue();
+        SoftMetal::clearFaults(); // the calls above are not the test's
     }
 
     /// Nothing is reported that the test did not take.
@@ -66,6 +67,7 @@ protected:
         SoftMetal::setCommandLog(false);
         SoftMetal::takeCommandLog();
         SoftMetal::setCommandBufferDelay(0);
+        if (library_) library_->release();
         queue->release();
         device->release();
         pool->release();
@@ -112,7 +114,7 @@ protected:
     {
         if (library_) return library_;
         NS::Error* error = nullptr;
-        library_ = owned(device->newLibrary(text(Programs), nullptr, &error));
+        library_ = device->newLibrary(text(Programs), nullptr, &error); // outlives the pools that tests open
         if (!library_) ADD_FAILURE() << error->localizedDescription()->utf8String();
         return library_;
     }

@@ -2,6 +2,7 @@
 #include "DeviceFixture.h"
 
 #include <algorithm>
+#include <thread>
 
 namespace device_test {
 
@@ -212,6 +213,38 @@ TEST_F(Render, DiscardingDeviceDrawsNothing)
     c->waitUntilCompleted();
     EXPECT_EQ(c->status(), MTL::CommandBufferStatusCompleted);
     EXPECT_EQ(pixel(t, 0, 0), (Pixel{0, 0, 0, 0}));
+}
+
+TEST_F(Render, QueuesOfSeveralThreadsDrawTheSame)
+{
+    auto* state = pipeline("place");
+    Pixel expected = pixel(drawn(state), 5, 3);
+    std::array<Pixel, 4> seen{};
+    std::vector<std::thread> threads;
+    for (size_t i = 0; i < seen.size(); ++i)
+        threads.emplace_back([&, i] {
+            auto* inner = NS::AutoreleasePool::alloc()->init();
+            auto* own = device->newCommandQueue();
+            auto* t = device->newTexture(textureDescriptor());
+            auto* vertices = device->newBuffer(fullTarget().data(), 48, MTL::ResourceStorageModeShared);
+            const float depth = 0;
+            for (int n = 0; n < 10; ++n) {
+                auto* c = own->commandBuffer();
+                auto* e = c->renderCommandEncoder(pass(t));
+                e->setRenderPipelineState(state);
+                e->setVertexBuffer(vertices, 0, 0);
+                e->setVertexBytes(&depth, sizeof depth, 5);
+                drawFullTarget(e);
+                e->endEncoding();
+                c->commit();
+                c->waitUntilCompleted();
+            }
+            seen[i] = pixel(t, 5, 3);
+            for (NS::Object* object : {reinterpret_cast<NS::Object*>(vertices), reinterpret_cast<NS::Object*>(t), reinterpret_cast<NS::Object*>(own)}) object->release();
+            inner->release();
+        });
+    for (auto& thread : threads) thread.join();
+    for (const Pixel& p : seen) EXPECT_EQ(p, expected);
 }
 
 // ---- programs ---------------------------------------------------------------------------------------------------------------

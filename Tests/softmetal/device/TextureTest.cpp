@@ -9,9 +9,13 @@ protected:
     /// Each texel holds its own position: x, y, slice, level.
     static std::vector<uint8_t> places(NS::UInteger width, NS::UInteger height, uint8_t slice, uint8_t level)
     {
-        std::vector<uint8_t> bytes;
-        for (NS::UInteger y = 0; y < height; ++y)
-            for (NS::UInteger x = 0; x < width; ++x) bytes.insert(bytes.end(), {static_cast<uint8_t>(x), static_cast<uint8_t>(y), slice, level});
+        std::vector<uint8_t> bytes(width * height * 4);
+        for (size_t i = 0; i < width * height; ++i) {
+            bytes[4 * i] = static_cast<uint8_t>(i % width);
+            bytes[4 * i + 1] = static_cast<uint8_t>(i / width);
+            bytes[4 * i + 2] = slice;
+            bytes[4 * i + 3] = level;
+        }
         return bytes;
     }
 };

@@ -1,0 +1,209 @@
+// SPDX-License-Identifier: Apache-2.0
+// What a device makes.
+#include "execution/Limits.h"
+#include "execution/QueueThread.h"
+#include "foundation/Strings.h"
+#include "inspect/Inspect.h"
+#include "shader/Loader.h"
+#include "texturing/Sampling.h"
+
+#include <algorithm>
+#include <new>
+
+using namespace softmetal;
+
+namespace {
+
+using inspect::arg;
+using inspect::note;
+using inspect::require;
+using inspect::Rule;
+
+constexpr NS::UInteger DefaultQueueLimit = 64; // command buffers that are not completed
+
+DeviceObject* self(const MTL::Device* device) { return cast<DeviceObject>(device); }
+const void* pointer(const void* object) { return object; }
+
+uint32_t laneCount()
+{
+    static const uint32_t count = [] {
+        uint32_t chosen = shader::chooseLanes();
+        raster::setLanes(chosen);
+        return chosen;
+    }();
+    return count;
+}
+
+shader::Compiler* compiler(std::string& error)
+{
+    static const abi::RuntimeTable runtime = [] {
+        abi::RuntimeTable table = texturing::runtimeTable();
+        table.loopLimitReached = noteShaderLimit;
+        return table;
+    }();
+    return shader::openCompiler(runtime, laneCount(), error);
+}
+
+std::string textOfObject(const NS::Object* object) { return object ? castObject(object)->description() : std::string(); }
+
+shader::CompileOptions optionsOf(const MTL::CompileOptions* options)
+{
+    shader::CompileOptions result;
+    if (!options) return result;
+    result.fastMath = options->fastMathEnabled();
+    NS::Dictionary* macros = options->preprocessorMacros();
+    auto* keys = macros ? macros->keyEnumerator<NS::Object>() : nullptr;
+    while (NS::Object* key = keys ? keys->nextObject() : nullptr) result.macros.emplace_back(textOfObject(key), textOfObject(macros->object<NS::Object>(key)));
+    return result;
+}
+
+bool sensible(NS::UInteger length) { return require(length > 0 && length <= LargestBuffer, Rule::BufferLength, length, LargestBuffer); }
+
+void noteBuffer(const MTL::Device* device, NS::UInteger length, MTL::ResourceOptions options, const MTL::Buffer* result)
+{
+    note(device, "newBuffer", arg("length", length), arg("options", options), arg("result", pointer(result)));
+}
+
+MTL::Buffer* makeBuffer(const MTL::Device* device, NS::UInteger length, MTL::ResourceOptions options)
+{
+    MTL::Buffer* result = nullptr;
+    try {
+        if (!inspect::fails("newBuffer") && sensible(length)) result = api(new BufferObject(self(device), length, options));
+    } catch (const std::bad_alloc&) {
+        result = nullptr;
+    }
+    noteBuffer(device, length, options, result);
+    return result;
+}
+
+} // namespace
+
+MTL::CommandQueue* MTL::Device::newCommandQueue() { return newCommandQueue(DefaultQueueLimit); }
+
+MTL::CommandQueue* MTL::Device::newCommandQueue(NS::UInteger maxCommandBufferCount)
+{
+    CommandQueueObject* queue = nullptr;
+    if (!inspect::fails("newCommandQueue")) {
+        laneCount();
+        queue = new CommandQueueObject(self(this), makeQueueThread(self(this)->discards), std::max<NS::UInteger>(maxCommandBufferCount, 1));
+    }
+    note(this, "newCommandQueue", arg("limit", maxCommandBufferCount), arg("result", pointer(api(queue))));
+    return api(queue);
+}
+
+// ---- resources ----------------------------------------------------------------------------------------------------------------
+
+MTL::Buffer* MTL::Device::newBuffer(NS::UInteger length, ResourceOptions options) { return makeBuffer(this, length, options); }
+
+MTL::Buffer* MTL::Device::newBuffer(const void* bytes, NS::UInteger length, ResourceOptions options)
+{
+    if (!require(bytes != nullptr, Rule::BufferNilBytes, length)) return nullptr;
+    MTL::Buffer* result = makeBuffer(this, length, options);
+    if (result) std::copy_n(static_cast<const uint8_t*>(bytes), length, cast<BufferObject>(result)->memory.data());
+    return result;
+}
+
+MTL::Buffer* MTL::Device::newBuffer(const void* bytes, NS::UInteger length, ResourceOptions options, const std::function<void(void*, NS::UInteger)>& deallocator)
+{
+    MTL::Buffer* result = nullptr;
+    if (!inspect::fails("newBuffer") && require(bytes != nullptr, Rule::BufferNilBytes, length) && sensible(length))
+        result = api(new BufferObject(self(this), const_cast<void*>(bytes), length, options, deallocator)); // the API's own signature: the memory is written
+    noteBuffer(this, length, options, result);
+    return result;
+}
+
+MTL::Texture* MTL::Device::newTexture(const TextureDescriptor* descriptor)
+{
+    if (inspect::fails("newTexture") || !require(descriptor != nullptr, Rule::DeviceNilDescriptor, "newTexture")) return nullptr;
+    const auto& d = *cast<TextureDescriptorObject>(descriptor);
+    TextureObject* texture = TextureObject::make(self(this), d);
+    note(this, "newTexture", arg("type", d.textureType), arg("format", d.pixelFormat), arg("width", d.width), arg("height", d.height), arg("depth", d.depth),
+         arg("levels", d.mipmapLevelCount), arg("storage", d.storageMode), arg("usage", d.usage), arg("result", pointer(api(texture))));
+    return api(texture);
+}
+
+// ---- states -------------------------------------------------------------------------------------------------------------------
+
+MTL::SamplerState* MTL::Device::newSamplerState(const SamplerDescriptor* descriptor)
+{
+    if (inspect::fails("newSamplerState") || !require(descriptor != nullptr, Rule::DeviceNilDescriptor, "newSamplerState")) return nullptr;
+    const auto& d = *cast<SamplerDescriptorObject>(descriptor);
+    MTL::SamplerState* result = api(new SamplerStateObject(self(this), d));
+    note(this, "newSamplerState", arg("minFilter", d.minFilter), arg("magFilter", d.magFilter), arg("mipFilter", d.mipFilter), arg("s", d.sAddressMode), arg("t", d.tAddressMode),
+         arg("r", d.rAddressMode), arg("normalized", d.normalizedCoordinates), arg("anisotropy", d.maxAnisotropy), arg("result", pointer(result)));
+    return result;
+}
+
+MTL::DepthStencilState* MTL::Device::newDepthStencilState(const DepthStencilDescriptor* descriptor)
+{
+    if (inspect::fails("newDepthStencilState") || !require(descriptor != nullptr, Rule::DeviceNilDescriptor, "newDepthStencilState")) return nullptr;
+    const auto& d = *cast<DepthStencilDescriptorObject>(descriptor);
+    MTL::DepthStencilState* result = api(new DepthStencilStateObject(self(this), d));
+    note(this, "newDepthStencilState", arg("compare", d.depthCompareFunction), arg("write", d.depthWriteEnabled), arg("result", pointer(result)));
+    return result;
+}
+
+// Passes run one after the other, so that a fence is no more than its name.
+MTL::Fence* MTL::Device::newFence()
+{
+    MTL::Fence* result = inspect::fails("newFence") ? nullptr : api(new FenceObject(self(this)));
+    note(this, "newFence", arg("result", pointer(result)));
+    return result;
+}
+
+// ---- programs -----------------------------------------------------------------------------------------------------------------
+
+MTL::Library* MTL::Device::newLibrary(const NS::String* source, const CompileOptions* options, NS::Error** error)
+{
+    std::string messages;
+    std::shared_ptr<shader::Library> library;
+    if (inspect::fails("newLibrary")) {
+        messages = "the library could not be made (injected fault)";
+    } else if (!source) {
+        messages = "the source must not be nil";
+    } else if (shader::Compiler* opened = compiler(messages)) {
+        messages.clear();
+        library = opened->compile(textOf(source), optionsOf(options), messages);
+    }
+    LibraryObject* result = library ? new LibraryObject(self(this), std::move(library)) : nullptr;
+    if (inspect::logging()) note(this, "newLibrary", arg("source", textOf(source)), arg("result", pointer(api(result))));
+    if (!result) report(error, "MTLLibraryErrorDomain", LibraryErrorCompileFailure, messages);
+    return api(result);
+}
+
+MTL::Library* MTL::Device::newDefaultLibrary() { return nullptr; } // a process on this platform carries none
+
+MTL::RenderPipelineState* MTL::Device::newRenderPipelineState(const RenderPipelineDescriptor* descriptor, NS::Error** error)
+{
+    std::string why;
+    RenderPipelineStateObject* state = nullptr;
+    if (inspect::fails("newRenderPipelineState")) why = "the pipeline state could not be made (injected fault)";
+    else if (!descriptor) why = "the descriptor must not be nil";
+    else state = RenderPipelineStateObject::make(self(this), *cast<RenderPipelineDescriptorObject>(descriptor), why);
+    note(this, "newRenderPipelineState", arg("result", pointer(api(state))));
+    if (!state) report(error, "MTLRenderPipelineErrorDomain", 1, why);
+    return api(state);
+}
+
+// The work is done before the call returns, which callers of these calls cannot tell from a quick machine.
+void MTL::Device::newLibrary(const NS::String* source, const CompileOptions* options, const NewLibraryCompletionHandlerFunction& completionHandler)
+{
+    NS::Error* error = nullptr;
+    MTL::Library* library = newLibrary(source, options, &error);
+    completionHandler(library, error);
+    if (library) library->release();
+}
+
+void MTL::Device::newRenderPipelineState(const RenderPipelineDescriptor* descriptor, const NewRenderPipelineStateCompletionHandlerFunction& completionHandler)
+{
+    NS::Error* error = nullptr;
+    MTL::RenderPipelineState* state = newRenderPipelineState(descriptor, &error);
+    completionHandler(state, error);
+    if (state) state->release();
+}
+
+namespace SoftMetal {
+
+uint32_t lanes() { return laneCount(); }
+
+} // namespace SoftMetal
