@@ -27,14 +27,18 @@ public:
         MTL::Device* device = MTL::CreateSystemDefaultDevice();
         std::string name = device ? device->name()->utf8String() : "?";
         if (device) device->release();
-        const char* version = reinterpret_cast<const char*>(glGetString(GL_VERSION));
-        return std::string("ZALMetal GL ") + (version ? version : "?") + " on " + name + ", " +
-               std::to_string(SoftMetal::workerThreads()) + " threads, " + std::to_string(SoftMetal::lanes()) + " lanes";
+        return "libZALMetal " + version() + " on " + name + ", " + std::to_string(SoftMetal::lanes()) + " lanes";
     }
 
     void swap() override { ZALMetalContextSwapBuffers(context_); }
 
 private:
+    static std::string version()
+    {
+        return std::to_string(ZALMETAL_VERSION_MAJOR) + "." + std::to_string(ZALMETAL_VERSION_MINOR) + "." +
+               std::to_string(ZALMETAL_VERSION_PATCH);
+    }
+
     NSView* view_;
     ZALMetalContext* context_;
 };
