@@ -190,6 +190,9 @@ int main(int argc, char** argv)
         results.push_back(run(workload, options, theirs.has_value()));
         if (!options.json) printRow(results.back());
     }
+    if (!options.json && options.filter.empty())
+        if (auto stages = output(binary("zalbench_stages").string()))
+            std::printf("\nfrom program text to machine code, stage by stage (medians)\n%s\n", stages->c_str());
     if (options.json) printJson(results, machineName(), *ours, theirs.value_or(""));
     return 0;
 }
