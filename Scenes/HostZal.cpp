@@ -24,6 +24,7 @@ public:
 
     std::string description() const override
     {
+        auto pool = NS::TransferPtr(NS::AutoreleasePool::alloc()->init());
         MTL::Device* device = MTL::CreateSystemDefaultDevice();
         std::string name = device ? device->name()->utf8String() : "?";
         if (device) device->release();
