@@ -32,3 +32,20 @@ function(softmetal_room name)
     endforeach()
     set_property(GLOBAL APPEND PROPERTY SOFTMETAL_ROOMS softmetal_${name})
 endfunction()
+
+# An inner loop that is compiled for each set of vector instructions: nameBase.cpp, nameAvx2.cpp, nameAvx512.cpp, all of
+# them sources of the room whose CMakeLists.txt calls this. Fused operations stay off, so that all give the same bits.
+function(softmetal_kernel name)
+    # g++ 12 takes the undefined operands of its own intrinsics for mistakes.
+    set(common -Wno-psabi $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
+    set_source_files_properties(${name}Base.cpp PROPERTIES COMPILE_OPTIONS "${common}")
+    if(CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64")
+        set(avx2 ${common} -mavx2)
+        set(avx512 ${common} -mavx512f -mavx512vl -mavx512bw -mavx512dq -mprefer-vector-width=512)
+    else()
+        set(avx2 ${common})
+        set(avx512 ${common})
+    endif()
+    set_source_files_properties(${name}Avx2.cpp PROPERTIES COMPILE_OPTIONS "${avx2}")
+    set_source_files_properties(${name}Avx512.cpp PROPERTIES COMPILE_OPTIONS "${avx512}")
+endfunction()

@@ -2,7 +2,9 @@
 // Sampling lane by lane: coordinates to a level of detail, to texels and weights, to a colour.
 #include "texturing/Sampling.h"
 
+#include "texturing/SamplingKernel.h"
 #include "texturing/Texels.h"
+#include "vectors/InstructionSet.h"
 
 #include <algorithm>
 #include <bit>
@@ -302,12 +304,32 @@ void zeros(SampleCall& call)
         if (call.mask >> i & 1) setResult(call, i, Texel{});
 }
 
+/// Whether every texel of a level lies within the reach of a 32-bit offset.
+bool fitsOffsets(const Texture& texture)
+{
+    const TextureLevel& first = texture.levels[0];
+    return first.planePitch * std::max(first.depth, 1u) <= 0x7FFFFFFF;
+}
+
 /// Cube faces meet without a seam only when the edge texels are clamped on each face.
 Sampler cubeSampler(const Sampler& sampler)
 {
     Sampler result = sampler;
     result.sAddress = result.tAddress = ClampToEdge;
     return result;
+}
+
+/// Takes the call when it is of a kind that all lanes can do at once.
+bool sampledAtOnce(const Texture& texture, const Access& access, const Sampler& sampler, const Texel& border, bool needsLod, bool quads, SampleCall& call)
+{
+    bool plain = access.dimensions > 1 && !access.cube && !access.array && texture.identity && kernelReads(texture.format);
+    bool simple = !needsLod || ((!quads || sampler.normalizedCoordinates != 0) && sampler.maxAnisotropy <= 1);
+    if (!plain || !simple || !fitsOffsets(texture)) return false;
+    SampleJob job{&texture, &sampler, access.dimensions, needsLod, quads, {border.c[0], border.c[1], border.c[2], border.c[3]}};
+    static const auto kernels = vectors::pick(base::sampleLanesFor, avx2::sampleLanesFor, avx512::sampleLanesFor);
+    static const SampleLanes four = kernels(4), eight = kernels(8), sixteen = kernels(16);
+    (call.mask > 0xFF ? sixteen : call.mask > 0xF ? eight : four)(job, call);
+    return true;
 }
 
 void sample(const Texture* texture, const Sampler* given, SampleCall* call)
@@ -318,6 +340,7 @@ void sample(const Texture* texture, const Sampler* given, SampleCall* call)
     Texel border = borderColor(*texture, sampler, sampler.sAddress == ClampToZero);
     bool quads = call->lodMode == LodMode::Gradient || (call->stage == 1 && call->lodMode != LodMode::Level);
     bool needsLod = sampler.mipFilter != MipNone || sampler.minFilter != sampler.magFilter || sampler.maxAnisotropy > 1;
+    if (sampledAtOnce(*texture, access, sampler, border, needsLod, quads, *call)) return;
     for (uint32_t i = 0; i < MaxLanes; ++i) {
         if (!(call->mask >> i & 1)) continue;
         Lane lane = laneAt(*texture, sampler, *call, i, &border);
@@ -404,6 +427,12 @@ void read(const Texture* texture, abi::ReadCall* call)
 }
 
 } // namespace
+
+bool kernelReads(uint32_t format)
+{
+    constexpr uint32_t Rgba8 = 70, Bgra8 = 80, Rgba32Float = 125;
+    return format == Rgba8 || format == Bgra8 || format == Rgba32Float;
+}
 
 abi::RuntimeTable runtimeTable()
 {
