@@ -111,6 +111,37 @@ template <uint32_t W, typename Vector> SOFTMETAL_INLINE Vector rowsToQuads(Vecto
     else return v;
 }
 
+// ---- halves: doubles are worked on in vectors of the machine's own size ---------------------------------------------------
+
+#if defined(__AVX512F__)
+inline constexpr uint32_t DoubleLanes = 8;
+#elif defined(__AVX__)
+inline constexpr uint32_t DoubleLanes = 4;
+#else
+inline constexpr uint32_t DoubleLanes = 2;
+#endif
+
+template <uint32_t W, typename Vector> SOFTMETAL_INLINE auto lowHalf(Vector v)
+{
+    if constexpr (W == 4) return __builtin_shufflevector(v, v, 0, 1);
+    else if constexpr (W == 8) return __builtin_shufflevector(v, v, 0, 1, 2, 3);
+    else return __builtin_shufflevector(v, v, 0, 1, 2, 3, 4, 5, 6, 7);
+}
+
+template <uint32_t W, typename Vector> SOFTMETAL_INLINE auto highHalf(Vector v)
+{
+    if constexpr (W == 4) return __builtin_shufflevector(v, v, 2, 3);
+    else if constexpr (W == 8) return __builtin_shufflevector(v, v, 4, 5, 6, 7);
+    else return __builtin_shufflevector(v, v, 8, 9, 10, 11, 12, 13, 14, 15);
+}
+
+template <uint32_t W, typename Half> SOFTMETAL_INLINE auto join(Half low, Half high)
+{
+    if constexpr (W == 4) return __builtin_shufflevector(low, high, 0, 1, 2, 3);
+    else if constexpr (W == 8) return __builtin_shufflevector(low, high, 0, 1, 2, 3, 4, 5, 6, 7);
+    else return __builtin_shufflevector(low, high, 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15);
+}
+
 /// Two rows of W / 2 words.
 template <typename Vector> SOFTMETAL_INLINE Vector loadRows(const uint8_t* upper, const uint8_t* lower)
 {
