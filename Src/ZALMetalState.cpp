@@ -95,10 +95,12 @@ MTL::RenderCommandEncoder* ZALMetalState::getOrCreateCommandEncoder(ZALGLState* 
 MTL::BlitCommandEncoder* ZALMetalState::getOrCreateBlitCommandEncoder()
 {
     if (_blitEncoder) return _blitEncoder;
+    auto* pool = NS::AutoreleasePool::alloc()->init();
     commandBufferEnd();
     _commandBuffer = takeCommandBuffer();
     _blitEncoder = _commandBuffer->blitCommandEncoder();
     if (_blitEncoder) _blitEncoder->retain();
+    pool->release();
     return _blitEncoder;
 }
 
