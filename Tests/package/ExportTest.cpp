@@ -2,6 +2,8 @@
 // The built library shows exactly the names of exports.txt.
 #include "package/DeclaredNames.h"
 
+#include <ZALMetal/ZALMetal.h>
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -80,6 +82,36 @@ TEST(Exports, ThePublicHeadersDeclareThemAll)
         EXPECT_EQ(declaredNames[i].name, wanted[i]);
         EXPECT_NE(declaredNames[i].address, nullptr) << wanted[i];
     }
+}
+
+TEST(ProcAddress, FindsEveryExportedName)
+{
+    for (int i = 0; i < declaredNameCount; ++i)
+        EXPECT_EQ(reinterpret_cast<void*>(ZALMetalGetProcAddress(declaredNames[i].name)), reinterpret_cast<void*>(declaredNames[i].address))
+            << declaredNames[i].name;
+}
+
+TEST(ProcAddress, KnowsNothingElse)
+{
+    for (const char* name : {"", "gl", "glClea", "glClearX", "glDrawArrays", "glGenFramebuffersEXT", "zzz", "AAA"})
+        EXPECT_EQ(ZALMetalGetProcAddress(name), nullptr) << name;
+    EXPECT_EQ(ZALMetalGetProcAddress(nullptr), nullptr);
+}
+
+/// The compiler's library and the device's show nothing of clang or LLVM to a process that may hold others.
+TEST(Exports, TheShaderCompilerShowsOneName)
+{
+    std::istringstream lines(output(std::string(ZAL_NM) + " -D --defined-only --format=posix \"" ZAL_COMPILER "\""));
+    std::string line, name;
+    std::vector<std::string> names;
+    while (std::getline(lines, line)) {
+        std::istringstream(line) >> name;
+        names.push_back(name);
+    }
+    EXPECT_EQ(names, std::vector<std::string>{"softmetal_open_compiler"});
+    std::string device = output(std::string(ZAL_NM) + " -D --format=posix \"" ZAL_DEVICE "\"");
+    EXPECT_FALSE(device.empty());
+    for (const char* word : {"llvm", "LLVM", "clang"}) EXPECT_EQ(device.find(word), std::string::npos) << word;
 }
 
 } // namespace

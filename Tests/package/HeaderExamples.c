@@ -47,3 +47,11 @@ int exampleLookUp(ZALMetalContext* context, uint32_t texture, void** found)
     *found = metalTexture;
     return 0;
 }
+
+int exampleProcAddress(void)
+{
+    void (*clear)(GLbitfield) = (void (*)(GLbitfield))ZALMetalGetProcAddress("glClear");
+    if (!clear) return 1;
+    clear(GL_COLOR_BUFFER_BIT);
+    return 0;
+}

@@ -11,6 +11,7 @@ int exampleContext(void* queue, ZALMetalContext** made, uint32_t* madeTexture);
 int exampleLayer(ZALMetalContext* context, void* view);
 int exampleHostTextures(ZALMetalContext* context, void* colorTexture);
 int exampleCopy(ZALMetalContext* context, void* colorTexture, void* otherTexture);
+int exampleProcAddress(void);
 int exampleLookUp(ZALMetalContext* context, uint32_t texture, void** found);
 #if defined(__cplusplus)
 }

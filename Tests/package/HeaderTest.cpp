@@ -116,6 +116,8 @@ TEST_F(RunningExamples, HostTexturesAreDrawnIntoAndCopied)
     other->release();
 }
 
+TEST_F(RunningExamples, LookedUpCallsWork) { EXPECT_EQ(exampleProcAddress(), 0); }
+
 TEST_F(RunningExamples, APassDescriptorWithoutAStateTakesTheContexts)
 {
     MTL::Texture* color = newTexture();

@@ -219,6 +219,25 @@ ZALMETAL_API MTL::RenderPassDescriptor* ZALMetalContextNewRenderDescriptor(ZALGL
 ZALMETAL_API void* ZALMetalContextNewRenderDescriptor(ZALGLState* state, ZALMetalContext* context);
 #endif
 
+/* ---- Lookup ------------------------------------------------------------------------------------------------------ */
+
+/* A function whose real type is the entry point's. */
+typedef void (*ZALMetalProc)(void);
+
+/* The entry point of a name, of GL's ("glClear") or of this header's.
+ *
+ * - name: as the headers spell it; names of later GL versions or other suffixes are other names.
+ *
+ * Returns null when the library does not offer it. Needs no context and may be called at any time. For hosts that load
+ * GL at run time: loaders that ask glGetString(GL_VERSION) stop at its null, so fill the table from here instead.
+ *
+ * @code
+ * void (*clear)(GLbitfield) = (void (*)(GLbitfield))ZALMetalGetProcAddress("glClear");
+ * if (!clear) return 1;
+ * @endcode
+ */
+ZALMETAL_API ZALMetalProc ZALMetalGetProcAddress(const char* name);
+
 /* ---- Textures ---------------------------------------------------------------------------------------------------- */
 
 /* Copies one Metal texture to another of the same size, upside down, converting the pixel format, and commits the work.
