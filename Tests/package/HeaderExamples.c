@@ -55,3 +55,11 @@ int exampleProcAddress(void)
     clear(GL_COLOR_BUFFER_BIT);
     return 0;
 }
+
+int exampleNormalise(const char* text, size_t length, char* program, size_t size, char* message, size_t messageSize)
+{
+    size_t needed = 0;
+    if (ZALMetalNormaliseProgram(text, length, program, size, &needed, message, messageSize) != 0) return 1;
+    glProgramStringARB(GL_VERTEX_PROGRAM_ARB, GL_PROGRAM_FORMAT_ASCII_ARB, (GLsizei)(needed - 1), program);
+    return 0;
+}

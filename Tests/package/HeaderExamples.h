@@ -13,6 +13,7 @@ int exampleHostTextures(ZALMetalContext* context, void* colorTexture);
 int exampleCopy(ZALMetalContext* context, void* colorTexture, void* otherTexture);
 int exampleProcAddress(void);
 int exampleLookUp(ZALMetalContext* context, uint32_t texture, void** found);
+int exampleNormalise(const char* text, size_t length, char* program, size_t size, char* message, size_t messageSize);
 #if defined(__cplusplus)
 }
 #endif

@@ -137,6 +137,17 @@ TEST_F(RunningExamples, ATextureWithoutAnImageHasNoMetalTexture)
     EXPECT_EQ(found, nullptr);
 }
 
+TEST_F(RunningExamples, AStandardProgramIsRewrittenAndLoaded)
+{
+    const std::string text = "!!ARBvp1.0\nOPTION ARB_position_invariant;\nMOV result.color, vertex.color;\nEND";
+    char program[1024], message[256];
+    GLuint name = 0;
+    glGenProgramsARB(1, &name);
+    glBindProgramARB(GL_VERTEX_PROGRAM_ARB, name);
+    EXPECT_EQ(exampleNormalise(text.data(), text.size(), program, sizeof program, message, sizeof message), 0) << message;
+    EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
+}
+
 TEST(Version, IsTheProjects)
 {
     std::string version = std::to_string(ZALMETAL_VERSION_MAJOR) + "." + std::to_string(ZALMETAL_VERSION_MINOR) + "." +

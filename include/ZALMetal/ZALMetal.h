@@ -26,6 +26,7 @@
  */
 #pragma once
 
+#include <stddef.h>
 #include <stdint.h>
 
 /* Version of this header. Before 1.0 a new minor version may change the interface. */
@@ -59,7 +60,9 @@ enum ZALMetalResult
     ZALMetalResultFormatMismatch = 1,      /* textures of other pixel formats than the first ones */
     ZALMetalResultInvalidArgument = 6,     /* a required pointer is null, or sizes differ */
     ZALMetalResultDeviceUnavailable = 256, /* no device, or not the share context's; an unknown texture name */
-    ZALMetalResultOutOfMemory = 257        /* a texture of the default framebuffer could not be made */
+    ZALMetalResultOutOfMemory = 257,       /* a texture of the default framebuffer, or memory, could not be had */
+    ZALMetalResultNotExpressible = 258,    /* a program holds what the dialect cannot express */
+    ZALMetalResultBufferTooSmall = 259     /* the caller's buffer cannot hold the result */
 };
 
 /* A context: GL state, the objects it can name, and a place to present. Handles are made by the first two calls and end
@@ -269,6 +272,42 @@ ZALMETAL_API int ZALMetalContextCopyAndFlipMetalTexture(ZALMetalContext* context
  */
 ZALMETAL_API int ZALMetalContextGetMtlTextureFromGLTextureId(ZALMetalContext* context, ZALMETAL_OUT(void*) outTexture,
                                                              uint32_t textureName);
+
+/* ---- Programs ---------------------------------------------------------------------------------------------------- */
+
+/* Rewrites a standard assembly program into the dialect that glProgramStringARB reads here. glProgramStringARB itself
+ * never rewrites: a host asks for it, once when it loads a program or beforehand with a tool.
+ *
+ * - text, length: the program, !!ARBvp1.0, !!ARBfp1.0, !!NVvp4.0 or !!NVfp4.0; no zero is needed behind it.
+ * - out, outSize: receives the rewritten program with a zero behind it; null and 0 to ask for the size only.
+ * - needed: receives the bytes that out must have, the zero included; 0 when there is no rewritten program; may be null.
+ * - message, messageSize: receive what cannot be expressed, one line a fault, "LINE:COLUMN: error: what it is", cut to
+ *   the size, always with a zero behind it; empty on success; null and 0 when it is not wanted.
+ *
+ * Returns 0; 258 when the program holds something that the dialect cannot express, or is no program; 259 when out is
+ * too small (needed says what it must have, out is left alone); 6 when text, or a buffer with a size, is null; 257.
+ *
+ * The rewritten program needs from the host what the original needs, with these differences:
+ *
+ * - program.env[n] is program.local[128 + n] of every program: set it with glProgramLocalParameter4fvARB. Locals from
+ *   128 on are then not the program's own.
+ * - Conventional attributes are read from the generic ones that they alias: vertex.position from 0, vertex.normal from
+ *   2, vertex.color from 3, vertex.texcoord[n] from 8 + n.
+ * - Colours leave a vertex program as they are computed, not clamped to 0 and 1.
+ * - result.fogcoord and the secondary colour of a vertex program are dropped: nothing here could read them.
+ *
+ * Not expressible are address registers, fog, light and material state, matrices other than modelview, projection, mvp
+ * and texture 0 to 3, attributes other than the above, 1D and shadow texture targets, and biased sampling.
+ *
+ * Rewriting a rewritten program changes nothing. The call needs no context and may be made from any thread.
+ *
+ * @code
+ * if (ZALMetalNormaliseProgram(text, length, program, size, &needed, message, messageSize) != 0) return 1;
+ * glProgramStringARB(GL_VERTEX_PROGRAM_ARB, GL_PROGRAM_FORMAT_ASCII_ARB, (GLsizei)(needed - 1), program);
+ * @endcode
+ */
+ZALMETAL_API int ZALMetalNormaliseProgram(const char* text, size_t length, char* out, size_t outSize, size_t* needed,
+                                          char* message, size_t messageSize);
 
 #if defined(__cplusplus)
 }

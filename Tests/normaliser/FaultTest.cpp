@@ -1,0 +1,152 @@
+// SPDX-License-Identifier: Apache-2.0
+// What the dialect cannot express is named with its place.
+#include "normaliser/Normalise.h"
+
+#include <algorithm>
+
+namespace
+{
+
+using namespace normaliser;
+
+std::string faultOf(const std::string& program)
+{
+    const Rewritten result = rewrite(program);
+    EXPECT_EQ(result.status, ZALMetalResultNotExpressible) << program;
+    EXPECT_EQ(result.program, "");
+    return result.message;
+}
+
+std::string vertexFault(const std::string& statements)
+{
+    return faultOf("!!ARBvp1.0\n" + statements + "\nEND\n");
+}
+
+std::string fragmentFault(const std::string& statements)
+{
+    return faultOf("!!ARBfp1.0\n" + statements + "\nEND\n");
+}
+
+TEST(NormaliseFaults, AddressRegisters)
+{
+    EXPECT_EQ(vertexFault("ADDRESS A0;\nPARAM c[2] = { program.env[0..1] };\nARL A0.x, vertex.position.x;\n"
+                          "MOV result.color, c[A0.x + 1];"),
+              "2:1: error: address registers cannot be expressed\n4:1: error: ARL: address registers cannot be expressed\n"
+              "5:21: error: address registers cannot be expressed\n");
+}
+
+TEST(NormaliseFaults, FogLightAndOtherState)
+{
+    EXPECT_EQ(fragmentFault("OPTION ARB_fog_exp2;"), "2:8: error: ARB_fog_exp2: fog cannot be expressed\n");
+    EXPECT_EQ(fragmentFault("PARAM p = state.fog.color;"), "2:11: error: state.fog: fog cannot be expressed\n");
+    EXPECT_EQ(fragmentFault("MOV result.color, fragment.fogcoord.x;"),
+              "2:19: error: fragment.fogcoord: fog cannot be expressed\n");
+    EXPECT_EQ(vertexFault("PARAM p = state.light[0].diffuse;"),
+              "2:11: error: state.light: light and material state cannot be expressed\n");
+    EXPECT_EQ(vertexFault("PARAM p = state.lightprod[0].front.diffuse;"),
+              "2:11: error: state.lightprod: light and material state cannot be expressed\n");
+    EXPECT_EQ(vertexFault("PARAM p = state.material.shininess;"),
+              "2:11: error: state.material: light and material state cannot be expressed\n");
+    EXPECT_EQ(vertexFault("PARAM p = state.clip[0].plane;"), "2:11: error: state: this state cannot be expressed\n");
+}
+
+TEST(NormaliseFaults, TextureTargets)
+{
+    for (const std::string target : {"1D", "SHADOW1D", "SHADOW2D", "SHADOWRECT", "2d"})
+        EXPECT_EQ(fragmentFault("TEX result.color, fragment.texcoord[0], texture[0], " + target + ";"),
+                  "2:53: error: " + target + ": this texture target cannot be expressed\n");
+}
+
+TEST(NormaliseFaults, Sampling)
+{
+    EXPECT_EQ(fragmentFault("TXB result.color, fragment.color, texture[0], 2D;"),
+              "2:1: error: TXB: sampling with a bias or a level of detail cannot be expressed\n");
+    EXPECT_EQ(fragmentFault("TEX result.color, fragment.color, texture[32], 2D;"),
+              "2:35: error: there is no texture unit above 31\n");
+    EXPECT_EQ(fragmentFault("TEX result.color, fragment.color, color[0], 2D;"), "2:35: error: a texture unit is missing\n");
+}
+
+TEST(NormaliseFaults, AttributesThatDoNotReachAProgram)
+{
+    const std::string reason = ": this attribute does not reach a program\n";
+    EXPECT_EQ(vertexFault("MOV result.color, vertex.attrib[4];"), "2:19: error: vertex.attrib[4]" + reason);
+    EXPECT_EQ(vertexFault("MOV result.color, vertex.weight;"), "2:19: error: vertex.weight[#]" + reason);
+    EXPECT_EQ(vertexFault("MOV result.color, vertex.color.secondary;"), "2:19: error: vertex.color.secondary" + reason);
+    EXPECT_EQ(vertexFault("MOV result.color, vertex.fogcoord;"), "2:19: error: vertex.fogcoord" + reason);
+    EXPECT_EQ(vertexFault("MOV result.color, vertex.attrib[16];"),
+              "2:19: error: vertex.attrib[#]: there is no index above 15\n");
+}
+
+TEST(NormaliseFaults, ResultsAndInputs)
+{
+    EXPECT_EQ(vertexFault("MOV result.pointsize, 1;"), "2:5: error: result: this result cannot be expressed\n");
+    EXPECT_EQ(vertexFault("MOV result.color.back, 1;"), "2:5: error: result.color.back: this result cannot be expressed\n");
+    EXPECT_EQ(vertexFault("MOV result.texcoord[8], 1;"), "2:5: error: result.texcoord[#]: there is no index above 7\n");
+    EXPECT_EQ(fragmentFault("MOV result.color, fragment.color.secondary;"),
+              "2:19: error: fragment.color.secondary: this input does not reach a program\n");
+}
+
+TEST(NormaliseFaults, Matrices)
+{
+    EXPECT_EQ(vertexFault("PARAM m[4] = { state.matrix.program[0] };"),
+              "2:16: error: state.matrix.program: there is no such matrix here\n");
+    EXPECT_EQ(vertexFault("PARAM m[4] = { state.matrix.texture[4] };"),
+              "2:16: error: state.matrix.texture: there is no such matrix here\n");
+    EXPECT_EQ(vertexFault("PARAM m[4] = { state.matrix.modelview[1] };"),
+              "2:16: error: state.matrix.modelview: there is no such matrix here\n");
+    EXPECT_EQ(vertexFault("PARAM m = state.matrix.mvp;"), "2:11: error: several values stand where one fits\n");
+}
+
+TEST(NormaliseFaults, Parameters)
+{
+    EXPECT_EQ(vertexFault("PARAM p = program.env[128];"), "2:11: error: program.env[#]: there is no index above 127\n");
+    EXPECT_EQ(vertexFault("PARAM p = program.local[256];"), "2:11: error: program.local[#]: there is no index above 255\n");
+    EXPECT_EQ(vertexFault("PARAM p = program.env[0];\nPARAM q = program.local[128];"),
+              "3:11: error: a local from 128 on lies where the program's env parameters are put\n");
+    EXPECT_EQ(vertexFault("PARAM p[2] = { 1, 2, 3 };"), "2:7: error: the array has room for 2, not for 3\n");
+    EXPECT_EQ(vertexFault("PARAM p = { 1, 2, 3, 4, 5 };"), "2:11: error: a vector has four components\n");
+}
+
+TEST(NormaliseFaults, OptionsAndInstructionsThatAreNotKnown)
+{
+    EXPECT_EQ(fragmentFault("OPTION NV_something;"), "2:8: error: NV_something: this option cannot be expressed\n");
+    EXPECT_EQ(fragmentFault("FOO result.color, 1;"), "2:1: error: FOO: this instruction cannot be expressed\n");
+    EXPECT_EQ(fragmentFault("ADD.SSAT result.color, 1, 2;"), "2:5: error: .SSAT: this modifier cannot be expressed\n");
+    EXPECT_EQ(fragmentFault("DDX result.color, 1;"), "2:1: error: DDX: derivatives cannot be expressed\n");
+    EXPECT_EQ(fragmentFault("IF TR;"), "2:4: error: TR: this condition cannot be expressed\n");
+    EXPECT_EQ(fragmentFault("IF NE1.x;"), "2:4: error: NE1: this condition cannot be expressed\n");
+    EXPECT_EQ(fragmentFault("BRK (NE.x);"), "2:5: error: a test of condition codes cannot be expressed\n");
+    EXPECT_EQ(fragmentFault("MOV result.color (NE.x), 1;"), "2:18: error: a mask by condition codes cannot be expressed\n");
+}
+
+TEST(NormaliseFaults, WhatIsNoProgram)
+{
+    EXPECT_EQ(faultOf("!!ARBvp2.0\nEND"),
+              "1:1: error: the program does not begin with !!ARBvp1.0, !!ARBfp1.0, !!NVvp4.0 or !!NVfp4.0\n");
+    EXPECT_EQ(faultOf("!!ARBfp1.0\nTEMP a;\n"), "3:1: error: the program has no END\n");
+    EXPECT_EQ(fragmentFault("MOV result.color, a;"), "2:19: error: \"a\" is not declared\n");
+    EXPECT_EQ(fragmentFault("TEMP a;\nTEMP a;"), "3:6: error: \"a\" is declared twice\n");
+    EXPECT_EQ(fragmentFault("TEMP a;\nMOV a, a.xyq;"), "3:8: error: \".xyq\" is not a part of \"a\"\n");
+    EXPECT_EQ(fragmentFault("TEMP a;\nMOV a.yx, a;"), "3:5: error: the letters of a mask stand in the order of x, y, z, w\n");
+    EXPECT_EQ(fragmentFault("PARAM a = 1;\nMOV a, 1;"), "3:5: error: \"a\" cannot be written\n");
+    EXPECT_EQ(fragmentFault("MOV result.color 1;"), "2:18: error: \",\" is missing before \"1\"\n");
+    EXPECT_EQ(fragmentFault("MOV result.color, 1 2;"), "2:21: error: \";\" is missing before \"2\"\n");
+}
+
+TEST(NormaliseFaults, AllOfThemAreNamedInOrder)
+{
+    EXPECT_EQ(fragmentFault("DDX a, b;\nTEMP t;\nMOV t, 1;\n  TXB t, t, texture[0], 2D;"),
+              "2:1: error: DDX: derivatives cannot be expressed\n"
+              "5:3: error: TXB: sampling with a bias or a level of detail cannot be expressed\n");
+}
+
+TEST(NormaliseFaults, ALongListOfThemEnds)
+{
+    std::string program;
+    for (int i = 0; i < 1000; ++i)
+        program += "nonsense;\n";
+    const std::string message = fragmentFault(program);
+    EXPECT_EQ(std::count(message.begin(), message.end(), '\n'), 64);
+}
+
+} // namespace
