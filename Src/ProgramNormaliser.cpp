@@ -83,7 +83,10 @@ bool NormaliserRun::ReadStatement()
         faults.push_back({first.line, first.column, "the program has no END"});
         return false;
     }
-    if (first.kind == TokenKind::Word && first.text == "END") return false;
+    if (first.kind == TokenKind::Word && first.text == "END") {
+        if (!blocks.empty()) faults.push_back({first.line, first.column, "a block is not closed"});
+        return false;
+    }
 
     try {
         TranslateStatement();
@@ -133,7 +136,7 @@ std::string NormaliserRun::Assemble() const
     if (usesScratch) add("TEMP " + Helper("scratch"));
     if (usesUnread) add("TEMP " + Helper("unread"));
     if (usesInverse) add("PARAM " + Helper("inverse") + "[4] = { state.matrix.modelview.inverse }");
-    for (const std::string& line : constantLines)
+    for (const std::string& line : firstLines)
         add(line);
     if (usesNormal) {
         add("TEMP " + Helper("normal"));

@@ -35,6 +35,12 @@ bool NormaliserRun::ReadDeclaration()
     return true;
 }
 
+// A name is known to the end of the program, also when it is declared inside a block.
+void NormaliserRun::AddDeclaration(const std::string& line)
+{
+    (blocks.empty() ? lines : firstLines).push_back(line);
+}
+
 void NormaliserRun::ReadTemporaries(bool integers)
 {
     std::string line = integers ? "UINT TEMP" : "TEMP";
@@ -47,7 +53,7 @@ void NormaliserRun::ReadTemporaries(bool integers)
         line += separator + name;
         separator = ", ";
     } while (TakeMark(","));
-    lines.push_back(line);
+    AddDeclaration(line);
 }
 
 // "ATTRIB name = binding": the name stands for the binding from here on.
@@ -109,7 +115,7 @@ void NormaliserRun::ReadSingleParameter(const Token& name)
     } else
         value = ReadVector();
     Declare(name, {Variable::Parameter, newName, false});
-    lines.push_back("PARAM " + newName + " = " + value);
+    AddDeclaration("PARAM " + newName + " = " + value);
 }
 
 void NormaliserRun::ReadArrayParameter(const Token& name, int room)
@@ -130,7 +136,7 @@ void NormaliserRun::ReadArrayParameter(const Token& name, int room)
     std::string line = "PARAM " + newName + "[" + std::to_string(count) + "] = { ";
     for (size_t i = 0; i < elements.size(); ++i)
         line += (i > 0 ? ", " : "") + elements[i];
-    lines.push_back(line + " }");
+    AddDeclaration(line + " }");
 }
 
 // A vector, a binding, a range of parameters or rows, or a whole matrix.

@@ -104,6 +104,7 @@ void NormaliserRun::ReadInstruction()
         if (IsMark("(")) Fail(Look(), "a test of condition codes cannot be expressed");
         for (int i = 0; i < opcode.sources; ++i)
             instruction.sources.push_back(ReadSource());
+        FollowBlocks(instruction);
         return WriteFlow(instruction);
     }
 
@@ -210,6 +211,29 @@ void NormaliserRun::WriteFlow(const Instruction& instruction)
     lines.push_back(line);
 }
 
+void NormaliserRun::OpenBlock(const Token& at, char kind)
+{
+    constexpr auto mostLoops = 'z' - 'i' + 1; // a loop variable for each
+    const auto loops = std::count(blocks.begin(), blocks.end(), 'R');
+    if (kind == 'R' && loops >= mostLoops) Fail(at, "loops are nested too deeply");
+
+    blocks += kind;
+}
+
+void NormaliserRun::FollowBlocks(const Instruction& instruction)
+{
+    const std::string_view name = instruction.opcode->name;
+    const char open = blocks.empty() ? ' ' : blocks.back();
+    const bool looped = blocks.find('R') != std::string::npos;
+    const bool misplaced = (name == "ELSE" && open != 'I') || (name == "ENDIF" && open != 'I' && open != 'E') ||
+                           (name == "ENDREP" && open != 'R') || ((name == "BRK" || name == "CONT") && !looped);
+    if (misplaced) Fail(instruction.at, std::string(name) + " stands in no block of its own");
+
+    if (name == "REP") OpenBlock(instruction.at, 'R');
+    if (name == "ELSE" || name == "ENDIF" || name == "ENDREP") blocks.pop_back();
+    if (name == "ELSE") OpenBlock(instruction.at, 'E');
+}
+
 // "IF NE.x": the translator tests the first condition register only.
 void NormaliserRun::WriteCondition()
 {
@@ -222,6 +246,7 @@ void NormaliserRun::WriteCondition()
 
     Place place;
     TakeSwizzle(place, path, 1);
+    OpenBlock(path.at, 'I');
     lines.push_back("IF " + std::string(name) + (place.swizzle.empty() ? "" : "." + place.swizzle));
 }
 

@@ -249,7 +249,7 @@ std::string NormaliserRun::ConstantFor(const std::string& vector)
 
     const std::string name = Helper("c") + std::to_string(constants.size());
     constants.emplace(vector, name);
-    constantLines.push_back("PARAM " + name + " = " + vector);
+    firstLines.push_back("PARAM " + name + " = " + vector);
     return name;
 }
 

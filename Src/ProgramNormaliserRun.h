@@ -138,6 +138,7 @@ private:
 
     // ---- Declarations (ProgramNormaliserDeclarations) ----
     bool ReadDeclaration();
+    void AddDeclaration(const std::string& line);
     void ReadTemporaries(bool integers);
     void ReadParameter();
     void ReadSingleParameter(const Token& name);
@@ -163,6 +164,8 @@ private:
     void WriteAsIs(const Instruction& instruction);
     void WriteFlow(const Instruction& instruction);
     void WriteCondition();
+    void FollowBlocks(const Instruction& instruction);
+    void OpenBlock(const Token& at, char kind);
     void WriteSample(const Instruction& instruction);
     void WriteSwizzle(const Instruction& instruction);
     void WriteHomogeneous(const Instruction& instruction);
@@ -200,7 +203,8 @@ private:
     bool usesNormal = false;
     bool usesInverse = false;
     std::map<std::string, std::string, std::less<>> constants; // by value, their names
-    std::vector<std::string> constantLines;
+    std::vector<std::string> firstLines; // declarations that stand before all others
+    std::string blocks; // that are open: I, E for the second half of an I, R
     std::vector<std::string> lines;
 };
 

@@ -133,6 +133,25 @@ TEST(NormaliseFaults, WhatIsNoProgram)
     EXPECT_EQ(fragmentFault("MOV result.color, 1 2;"), "2:21: error: \";\" is missing before \"2\"\n");
 }
 
+TEST(NormaliseFaults, BlocksThatDoNotMatch)
+{
+    EXPECT_EQ(fragmentFault("ELSE;"), "2:1: error: ELSE stands in no block of its own\n");
+    EXPECT_EQ(fragmentFault("REP 2;\nENDIF;\nENDREP;"), "3:1: error: ENDIF stands in no block of its own\n");
+    EXPECT_EQ(fragmentFault("IF NE;\nBRK;\nENDIF;"), "3:1: error: BRK stands in no block of its own\n");
+    EXPECT_EQ(fragmentFault("IF NE;\nELSE;\nELSE;\nENDIF;"), "4:1: error: ELSE stands in no block of its own\n");
+    EXPECT_EQ(fragmentFault("IF NE;"), "3:1: error: a block is not closed\n");
+}
+
+TEST(NormaliseFaults, MoreLoopsInEachOtherThanThereAreVariables)
+{
+    std::string program;
+    for (int depth = 0; depth < 19; ++depth)
+        program += "REP 2;";
+    for (int depth = 0; depth < 18; ++depth)
+        program += "ENDREP;";
+    EXPECT_EQ(fragmentFault(program), "2:109: error: loops are nested too deeply\n");
+}
+
 TEST(NormaliseFaults, AllOfThemAreNamedInOrder)
 {
     EXPECT_EQ(fragmentFault("DDX a, b;\nTEMP t;\nMOV t, 1;\n  TXB t, t, texture[0], 2D;"),

@@ -118,6 +118,12 @@ TEST(NormaliseNames, KeepsOwnNamesApartFromTheProgramsNames)
               "PARAM zal1_c0 = { 1.0, 0.0, 0.0, 1.0 };\nTEMP zal_c0;\nMOV zal_c0, zal1_c0;\n");
 }
 
+TEST(NormaliseNames, DeclaresBeforeTheBlockWhatABlockDeclares)
+{
+    EXPECT_EQ(fragment4("IF NE;\nTEMP a;\nMOV a, 1;\nENDIF;\nTEMP b;\nMOV b, a;"),
+              "TEMP a;\nIF NE;\nMOV a, 1.0;\nENDIF;\nTEMP b;\nMOV b, a;\n");
+}
+
 // ---- Parameters ----------------------------------------------------------------------------------------------------
 
 TEST(NormaliseParameters, PutsGlobalsBehindTheLocals)

@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: Apache-2.0
+// What a section of the micro benchmarks measures: named figures with their spread.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace micro
+{
+
+struct Row
+{
+    std::string name;
+    const char* unit = "";
+    double median = 0;
+    double least = 0;
+    double most = 0;
+};
+
+/// The translator and the normaliser alone, without a context: microseconds a program at the lengths that programs have,
+/// nanoseconds a statement up to lengths that they have not.
+std::vector<Row> translation();
+
+} // namespace micro
