@@ -64,11 +64,10 @@ std::string NormaliserRun::Run()
     while (faults.size() < kMostFaults && ReadStatement()) {
     }
     if (highLocal.line > 0 && global.line > 0)
-        faults.push_back({highLocal.line, highLocal.column,
-                          "a local from 128 on lies where the program's env parameters are put"});
-    std::stable_sort(faults.begin(), faults.end(), [](const NormaliserFault& a, const NormaliserFault& b) {
-        return a.line < b.line;
-    });
+        faults.push_back(
+            {highLocal.line, highLocal.column, "a local from 128 on lies where the program's env parameters are put"});
+    std::stable_sort(faults.begin(), faults.end(),
+                     [](const NormaliserFault& a, const NormaliserFault& b) { return a.line < b.line; });
     return faults.empty() ? Assemble() : std::string();
 }
 

@@ -12,7 +12,8 @@ bool NormaliserRun::ReadDeclaration()
     if (word.text == "TEMP") {
         Take();
         ReadTemporaries(false);
-    } else if (temporary && (word.text == "UINT" || word.text == "FLOAT" || word.text == "SHORT" || word.text == "LONG")) {
+    } else if (temporary &&
+               (word.text == "UINT" || word.text == "FLOAT" || word.text == "SHORT" || word.text == "LONG")) {
         Take();
         Take();
         ReadTemporaries(word.text == "UINT");

@@ -9,41 +9,6 @@ namespace ZALMetal
 namespace
 {
 
-Source Number(const char* text)
-{
-    Source source;
-    source.text = text;
-    source.number = true;
-    return source;
-}
-
-Source Part(const Destination& destination, const char* letters)
-{
-    Source source;
-    source.text = destination.text;
-    source.swizzle = letters;
-    return source;
-}
-
-Destination Only(const Destination& destination, std::string letters)
-{
-    Destination part = destination;
-    part.mask = std::move(letters);
-    return part;
-}
-
-// Whether writing a part of the destination would change what is still to be read.
-bool Overlaps(const Destination& destination, const std::vector<Source>& sources)
-{
-    return std::any_of(sources.begin(), sources.end(),
-                       [&destination](const Source& source) { return source.text == destination.text; });
-}
-
-bool IsSingle(const Source& source)
-{
-    return source.number || source.swizzle.size() == 1;
-}
-
 const StandardOpcode* FindOpcode(std::string_view name)
 {
     for (const StandardOpcode& row : kStandardOpcodes)
@@ -116,7 +81,8 @@ void NormaliserRun::ReadInstruction()
     }
     WriteInstruction(instruction);
     if (instruction.setsCondition)
-        Write("MOVC", false, instruction.destination.Written(), {Part(instruction.destination, instruction.destination.mask.c_str())});
+        Write("MOVC", false, instruction.destination.Written(),
+              {instruction.destination.Part(instruction.destination.mask)});
 }
 
 // ---- Writing -------------------------------------------------------------------------------------------------------
@@ -194,10 +160,10 @@ void NormaliserRun::WriteAsIs(const Instruction& instruction)
     case Writing::LessOrEqual:
         return Write("SGE", saturated, destination, {sources[1], sources[0]});
     case Writing::Constant:
-        return Write("MOV", false, destination, {Number(instruction.opcode->note)});
+        return Write("MOV", false, destination, {Source::Number(instruction.opcode->note)});
     case Writing::Ceiling:
         Write("FLR", false, Scratch().With(instruction.destination.mask), {sources[0].Negated()});
-        return Write("MOV", saturated, destination, {Part(Scratch(), "").Negated()});
+        return Write("MOV", saturated, destination, {Scratch().Part("").Negated()});
     default:
         return Write(instruction.opcode->name, saturated, destination, sources);
     }
@@ -273,203 +239,11 @@ void NormaliserRun::WriteSample(const Instruction& instruction)
     if (instruction.opcode->writing == Writing::SampleProjected) {
         const Destination scratch = Scratch();
         Write("RCP", false, scratch.With("w"), {instruction.sources[0].Component(3)});
-        Write("MUL", false, scratch.With("xyz"), {instruction.sources[0], Part(scratch, "w")});
+        Write("MUL", false, scratch.With("xyz"), {instruction.sources[0], scratch.Part("w")});
         coordinate = scratch.text;
     }
-    lines.push_back(std::string(instruction.saturated ? "TEX_SAT " : "TEX ") + instruction.destination.Written() + ", " +
-                    coordinate + ", texture[" + std::to_string(unit.first) + "], " + std::string(target.text));
-}
-
-// ---- Vectors -------------------------------------------------------------------------------------------------------
-
-void NormaliserRun::WriteHomogeneous(const Instruction& instruction)
-{
-    const Destination scratch = Scratch();
-    const std::vector<Source>& sources = instruction.sources;
-    Write("DP3", false, scratch.With("x"), sources);
-    Write("ADD", instruction.saturated, instruction.destination.Written(), {Part(scratch, "x"), sources[1].Component(3)});
-}
-
-void NormaliserRun::WriteDistance(const Instruction& instruction)
-{
-    Instruction part = instruction;
-    const bool overlaps = Overlaps(instruction.destination, instruction.sources);
-    if (overlaps) part.destination = Only(Scratch(), instruction.destination.mask);
-
-    const std::vector<Source>& sources = instruction.sources;
-    WriteMove(part, 'x', Number("1.0"));
-    if (part.destination.Has('y'))
-        Write("MUL", part.saturated, part.destination.With("y"), {sources[0].Component(1), sources[1].Component(1)});
-    WriteMove(part, 'z', sources[0].Component(2));
-    WriteMove(part, 'w', sources[1].Component(3));
-    if (overlaps) Write("MOV", false, instruction.destination.Written(), {Part(Scratch(), "")});
-}
-
-// The fourth component of the cross product is not defined; without it the result has the width that Metal gives it.
-void NormaliserRun::WriteCross(const Instruction& instruction)
-{
-    std::string mask = instruction.destination.mask.empty() ? "xyzw" : instruction.destination.mask;
-    if (mask.back() == 'w') mask.pop_back();
-    if (!mask.empty())
-        Write("XPD", instruction.saturated, instruction.destination.With(mask), instruction.sources);
-}
-
-// The translator can compare for inequality in one component only.
-void NormaliserRun::WriteUnequal(const Instruction& instruction)
-{
-    const std::vector<Source>& sources = instruction.sources;
-    const Destination& destination = instruction.destination;
-    if (destination.mask.size() == 1) {
-        const int which = static_cast<int>(std::string_view("xyzw").find(destination.mask[0]));
-        const bool single = IsSingle(sources[0]) && IsSingle(sources[1]);
-        return Write("SNE", false, destination.Written(),
-                     single ? sources : std::vector<Source>{sources[0].Component(which), sources[1].Component(which)});
-    }
-    Write("SEQ", false, Scratch().With(destination.mask), sources);
-    Write("SUB", false, destination.Written(), {Number("1.0"), Part(Scratch(), "")});
-}
-
-void NormaliserRun::WriteQuotient(const Instruction& instruction)
-{
-    Write("RCP", false, Scratch().With("w"), {instruction.sources[1].Component(0)});
-    Write("MUL", instruction.saturated, instruction.destination.Written(), {instruction.sources[0], Part(Scratch(), "w")});
-}
-
-void NormaliserRun::WriteUnit(const Instruction& instruction)
-{
-    const Destination scratch = Scratch();
-    const Source& source = instruction.sources[0];
-    Write("DP3", false, scratch.With("w"), {source, source});
-    Source square = Part(scratch, "w");
-    square.absolute = true;
-    Write("RSQ", false, scratch.With("w"), {square});
-    Write("MUL", instruction.saturated, instruction.destination.Written(), {source, Part(scratch, "w")});
-}
-
-// ---- Components that differ ----------------------------------------------------------------------------------------
-
-// x: 1; y: the diffuse factor; z: the specular one, 0 where no light falls; w: 1.
-void NormaliserRun::WriteLighting(const Instruction& instruction)
-{
-    const Destination scratch = Scratch();
-    const Source& source = instruction.sources[0];
-    const Source zero = Number("0.0");
-    if (instruction.destination.Has('z')) {
-        Source least = Number("127.9961");
-        least.negative = true;
-        Write("MAX", false, scratch.With("y"), {source.Component(1), zero});
-        Write("MAX", false, scratch.With("w"), {source.Component(3), least});
-        Write("MIN", false, scratch.With("w"), {Part(scratch, "w"), Number("127.9961")});
-        Write("POW", false, scratch.With("z"), {Part(scratch, "y"), Part(scratch, "w")});
-        Write("CMP", false, scratch.With("z"), {source.Component(0).Negated(), Part(scratch, "z"), zero});
-    }
-    if (instruction.destination.Has('y')) Write("MAX", false, scratch.With("y"), {source.Component(0), zero});
-    WriteMove(instruction, 'x', Number("1.0"));
-    WriteMove(instruction, 'y', Part(scratch, "y"));
-    WriteMove(instruction, 'z', Part(scratch, "z"));
-    WriteMove(instruction, 'w', Number("1.0"));
-}
-
-// x: the exponent; y: the mantissa, from 1 to 2; z: the logarithm; w: 1; all of the absolute value.
-void NormaliserRun::WriteLogarithm(const Instruction& instruction)
-{
-    const Destination scratch = Scratch();
-    Write("ABS", false, scratch.With("x"), {instruction.sources[0].Component(0)});
-    Write("LG2", false, scratch.With("z"), {Part(scratch, "x")});
-    Write("FLR", false, scratch.With("y"), {Part(scratch, "z")});
-    if (instruction.destination.Has('y')) {
-        Write("EX2", false, scratch.With("w"), {Part(scratch, "y").Negated()});
-        Write("MUL", false, scratch.With("w"), {Part(scratch, "x"), Part(scratch, "w")});
-    }
-    WriteMove(instruction, 'x', Part(scratch, "y"));
-    WriteMove(instruction, 'y', Part(scratch, "w"));
-    WriteMove(instruction, 'z', Part(scratch, "z"));
-    WriteMove(instruction, 'w', Number("1.0"));
-}
-
-// x: 2 to the whole part; y: the rest; z: 2 to the source; w: 1.
-void NormaliserRun::WriteExponential(const Instruction& instruction)
-{
-    const Destination scratch = Scratch();
-    const Destination& destination = instruction.destination;
-    Write("MOV", false, scratch.With("x"), {instruction.sources[0].Component(0)});
-    Write("FLR", false, scratch.With("y"), {Part(scratch, "x")});
-    if (destination.Has('x')) Write("EX2", instruction.saturated, destination.With("x"), {Part(scratch, "y")});
-    if (destination.Has('y')) Write("FRC", instruction.saturated, destination.With("y"), {Part(scratch, "x")});
-    if (destination.Has('z')) Write("EX2", instruction.saturated, destination.With("z"), {Part(scratch, "x")});
-    WriteMove(instruction, 'w', Number("1.0"));
-}
-
-// The third and fourth components are not defined.
-void NormaliserRun::WriteSineCosine(const Instruction& instruction)
-{
-    const Destination& destination = instruction.destination;
-    Source angle = instruction.sources[0].Component(0);
-    if (destination.Has('x') && destination.Has('y') && Overlaps(destination, instruction.sources)) {
-        Write("MOV", false, Scratch().With("x"), {angle});
-        angle = Part(Scratch(), "x");
-    }
-    if (destination.Has('x')) Write("COS", instruction.saturated, destination.With("x"), {angle});
-    if (destination.Has('y')) Write("SIN", instruction.saturated, destination.With("y"), {angle});
-}
-
-// ---- Extended swizzles ---------------------------------------------------------------------------------------------
-
-namespace
-{
-
-struct SwizzlePart
-{
-    bool negative = false;
-    char value = 'x'; // a letter, '0' or '1'
-};
-
-// The letters of a group of components, the others filled with one of them so that the swizzle is whole.
-std::string GroupSwizzle(const std::array<SwizzlePart, 4>& parts, const std::string& mask, const Source& source)
-{
-    std::string letters;
-    for (size_t i = 0; i < parts.size(); ++i) {
-        const bool wanted = mask.find("xyzw"[i]) != std::string::npos;
-        const size_t from = wanted ? i : std::string_view("xyzw").find(mask[0]);
-        const int which = static_cast<int>(std::string_view("xyzw").find(parts[from].value));
-        letters += source.Component(which).swizzle;
-    }
-    if (mask.size() == 1) return letters.substr(std::string_view("xyzw").find(mask[0]), 1);
-    return letters == "xyzw" ? std::string() : letters;
-}
-
-} // namespace
-
-// Components that come from the source with one sign are moved together, those with the other next, then 0 and 1.
-void NormaliserRun::WriteSwizzle(const Instruction& instruction)
-{
-    std::array<SwizzlePart, 4> parts;
-    for (SwizzlePart& part : parts) {
-        ExpectMark(",");
-        part.negative = TakeMark("-");
-        if (!part.negative) TakeMark("+");
-        const Token at = Take();
-        const size_t letter = at.text.size() == 1 ? std::string_view("xyzwrgba01").find(at.text[0]) : std::string_view::npos;
-        if (letter == std::string_view::npos) Fail(at, "an extended swizzle has letters, 0 and 1");
-        part.value = "xyzwxyzw01"[letter];
-    }
-
-    std::map<std::string, std::string> groups; // by sign and kind, the components
-    for (size_t i = 0; i < parts.size(); ++i)
-        if (instruction.destination.Has("xyzw"[i])) {
-            const bool constant = parts[i].value == '0' || parts[i].value == '1';
-            groups[std::string(parts[i].negative ? "-" : "+") + (constant ? parts[i].value : 'x')] += "xyzw"[i];
-        }
-
-    const bool overlaps = groups.size() > 1 && Overlaps(instruction.destination, instruction.sources);
-    const Destination target = overlaps ? Scratch() : instruction.destination;
-    for (const auto& [kind, mask] : groups) {
-        Source source = kind[1] == 'x' ? instruction.sources[0] : Number(kind[1] == '1' ? "1.0" : "0.0");
-        if (!source.number) source.swizzle = GroupSwizzle(parts, mask, source);
-        if (kind[0] == '-') source.negative = !source.negative;
-        Write("MOV", instruction.saturated, target.With(mask), {source});
-    }
-    if (overlaps) Write("MOV", false, instruction.destination.Written(), {Part(target, "")});
+    lines.push_back(std::string(instruction.saturated ? "TEX_SAT " : "TEX ") + instruction.destination.Written() +
+                    ", " + coordinate + ", texture[" + std::to_string(unit.first) + "], " + std::string(target.text));
 }
 
 } // namespace ZALMetal

@@ -128,8 +128,8 @@ void NormaliserRun::TakeSwizzle(Place& place, const Path& path, size_t part) con
     const std::string_view letters = path.parts[part].name;
     const bool known = letters.size() <= 4 && letters.find_first_not_of(from) == std::string_view::npos;
     if (!known || path.parts[part].indexed || part + 1 < path.parts.size())
-        Fail(path.at, "\"." + std::string(letters) + "\" is not a part of \"" + std::string(path.parts[part - 1].name) +
-                          "\"");
+        Fail(path.at,
+             "\"." + std::string(letters) + "\" is not a part of \"" + std::string(path.parts[part - 1].name) + "\"");
 
     for (char letter : letters)
         place.swizzle += to[from.find(letter)];
@@ -144,8 +144,8 @@ Place NormaliserRun::ResolveBinding(const Path& path)
     size_t parts = 0;
     for (const BindingRow& row : kBindingRows) {
         const bool stage = row.stage == BindingStage::Both || (row.stage == BindingStage::Vertex) == vertex;
-        const size_t matched = row.use == BindingUse::Refused ? MatchRefusal(row.binding, path)
-                                                              : MatchPattern(row.binding, path);
+        const size_t matched =
+            row.use == BindingUse::Refused ? MatchRefusal(row.binding, path) : MatchPattern(row.binding, path);
         if (!stage || matched <= parts) continue; // the longest binding counts
         found = &row;
         parts = matched;
@@ -157,8 +157,8 @@ Place NormaliserRun::ResolveBinding(const Path& path)
     const int index = last.first + found->offset;
     const bool reachable = !std::string_view(found->replacement).starts_with("vertex.attrib[#]") ||
                            (kReachableAttributes >> (index & 31) & 1) != 0;
-    if (last.last > found->most) Fail(path.at, std::string(found->binding) + ": there is no index above " +
-                                                   std::to_string(found->most));
+    if (last.last > found->most)
+        Fail(path.at, std::string(found->binding) + ": there is no index above " + std::to_string(found->most));
     if (!reachable) Fail(path.at, "vertex.attrib[" + std::to_string(index) + "]: " + kNoAttribute);
 
     Place place;

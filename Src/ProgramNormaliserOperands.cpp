@@ -14,7 +14,9 @@ constexpr std::string_view kLetters = "xyzw";
 // The letters of a swizzle that stand for what an instruction reads.
 std::string LettersRead(const std::string& swizzle, Reads reads, const std::string& mask)
 {
-    const std::string wide = swizzle.empty() ? std::string(kLetters) : swizzle.size() == 1 ? std::string(4, swizzle[0]) : swizzle;
+    const std::string wide = swizzle.empty()       ? std::string(kLetters)
+                             : swizzle.size() == 1 ? std::string(4, swizzle[0])
+                                                   : swizzle;
     switch (reads) {
     case Reads::First:
         return wide.substr(0, 1);
@@ -43,6 +45,14 @@ std::string FloatText(std::string_view number)
 } // namespace
 
 // ---- Text ----------------------------------------------------------------------------------------------------------
+
+Source Source::Number(const char* text)
+{
+    Source source;
+    source.text = text;
+    source.number = true;
+    return source;
+}
 
 std::string Source::Written() const
 {
@@ -75,6 +85,19 @@ std::string Destination::With(std::string_view letters) const
     return letters.empty() || letters.size() == kLetters.size() ? text : text + "." + std::string(letters);
 }
 
+Source Destination::Part(std::string_view letters) const
+{
+    Source source;
+    source.text = text;
+    source.swizzle = letters;
+    return source;
+}
+
+bool Destination::IsReadBy(const std::vector<Source>& sources) const
+{
+    return std::any_of(sources.begin(), sources.end(), [this](const Source& source) { return source.text == text; });
+}
+
 // ---- Tokens --------------------------------------------------------------------------------------------------------
 
 const Token& NormaliserRun::Look(size_t ahead) const
@@ -103,7 +126,8 @@ bool NormaliserRun::TakeMark(std::string_view mark)
 
 void NormaliserRun::ExpectMark(std::string_view mark)
 {
-    if (!TakeMark(mark)) Fail(Look(), "\"" + std::string(mark) + "\" is missing before \"" + std::string(Look().text) + "\"");
+    if (!TakeMark(mark))
+        Fail(Look(), "\"" + std::string(mark) + "\" is missing before \"" + std::string(Look().text) + "\"");
 }
 
 std::string_view NormaliserRun::ExpectWord(const char* what)
@@ -215,7 +239,8 @@ std::string NormaliserRun::ReadSignedNumber()
 {
     const bool negative = TakeMark("-");
     if (!negative) TakeMark("+");
-    if (Look().kind != TokenKind::Number) Fail(Look(), "a number is missing before \"" + std::string(Look().text) + "\"");
+    if (Look().kind != TokenKind::Number)
+        Fail(Look(), "a number is missing before \"" + std::string(Look().text) + "\"");
 
     return (negative ? "-" : "") + FloatText(Take().text);
 }

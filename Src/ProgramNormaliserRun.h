@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // One rewriting of one program. It lives for one call of NormaliseProgram: statement by statement, a fault ends the
 // statement and not the run, so that a program's author sees all of them. The steps stand in ProgramNormaliserNames,
-// -Operands, -Declarations and -Instructions.
+// -Operands, -Declarations, -Instructions and -Rewrites.
 #pragma once
 
 #include "ProgramNormaliser.h"
@@ -40,7 +40,7 @@ struct Variable
         Binding, // another name for `text`
     };
     Kind kind = Temporary;
-    std::string text;   // in the rewritten program
+    std::string text;    // in the rewritten program
     bool normal = false; // stands for the vertex normal as the standard knows it, with a fourth component of 1
 };
 
@@ -70,6 +70,7 @@ struct Source
     bool number = false;
     bool normal = false;
 
+    static Source Number(const char* text);
     std::string Written() const;
     Source Component(int which) const; // of a vector; a number is all its components
     Source Negated() const;
@@ -83,6 +84,8 @@ struct Destination
 
     std::string Written() const { return With(mask); }
     std::string With(std::string_view letters) const;
+    Source Part(std::string_view letters) const; // as a source
+    bool IsReadBy(const std::vector<Source>& sources) const;
     bool Has(char letter) const { return mask.empty() || mask.find(letter) != std::string::npos; }
 };
 
@@ -167,6 +170,11 @@ private:
     void FollowBlocks(const Instruction& instruction);
     void OpenBlock(const Token& at, char kind);
     void WriteSample(const Instruction& instruction);
+    void WriteMove(const Instruction& instruction, char letter, const Source& source);
+    void Write(const char* opcode, bool saturated, const std::string& destination, const std::vector<Source>& sources);
+    Destination Scratch();
+
+    // ---- Instructions that the dialect lacks (ProgramNormaliserRewrites) ----
     void WriteSwizzle(const Instruction& instruction);
     void WriteHomogeneous(const Instruction& instruction);
     void WriteDistance(const Instruction& instruction);
@@ -178,9 +186,6 @@ private:
     void WriteUnequal(const Instruction& instruction);
     void WriteQuotient(const Instruction& instruction);
     void WriteUnit(const Instruction& instruction);
-    void Write(const char* opcode, bool saturated, const std::string& destination, const std::vector<Source>& sources);
-    void WriteMove(const Instruction& instruction, char letter, const Source& source);
-    Destination Scratch();
 
     // The program.
     std::vector<Token> tokens;
@@ -203,8 +208,8 @@ private:
     bool usesNormal = false;
     bool usesInverse = false;
     std::map<std::string, std::string, std::less<>> constants; // by value, their names
-    std::vector<std::string> firstLines; // declarations that stand before all others
-    std::string blocks; // that are open: I, E for the second half of an I, R
+    std::vector<std::string> firstLines;                       // declarations that stand before all others
+    std::string blocks;                                        // that are open: I, E for the second half of an I, R
     std::vector<std::string> lines;
 };
 

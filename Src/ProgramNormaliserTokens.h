@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// The words, numbers and marks of an assembly program. Comments, blanks and line ends are gone; each token knows its place.
+// The words, numbers and marks of an assembly program. Comments, blanks and line ends are gone; each token knows its
+// place.
 #pragma once
 
 #include <string_view>

@@ -17,8 +17,8 @@ struct Row
     double most = 0;
 };
 
-/// The translator and the normaliser alone, without a context: microseconds a program at the lengths that programs have,
-/// nanoseconds a statement up to lengths that they have not.
+/// The translator and the normaliser alone, without a context: microseconds a program at the lengths that programs
+/// have, nanoseconds a statement up to lengths that they have not.
 std::vector<Row> translation();
 
 } // namespace micro

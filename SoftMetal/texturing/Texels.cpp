@@ -42,7 +42,7 @@ const Access* accessFor(uint32_t type, uint32_t format)
         auto* all = new std::array<std::array<Access, Formats>, Types>{};
         for (uint32_t t = 0; t < Types; ++t) {
             for (uint32_t f = 0; f < Formats; ++f) {
-                uint8_t dimensions = t <= Type1DArray ? 1 : t == Type3D ? 3 : 2;
+                uint8_t dimensions = t == Type1D || t == Type1DArray ? 1 : t == Type3D ? 3 : 2;
                 bool cube = t == TypeCube || t == TypeCubeArray, array = t == Type1DArray || t == Type2DArray || t == TypeCubeArray;
                 auto load = f == Rgba8 ? loadRgba8 : f == Bgra8 ? loadBgra8 : f == Rgba32Float ? loadRgba32 : formats::unpack;
                 (*all)[t][f] = {formats::pixelFormatInfo(f), load, dimensions, cube, array};

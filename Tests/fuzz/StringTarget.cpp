@@ -73,12 +73,24 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     double number = 0;
     if (!first.empty()) std::memcpy(&number, first.data(), first.size() < sizeof number ? first.size() : sizeof number);
     switch (call) {
-    case 0: checkSplit(first, second); break;
-    case 1: checkArg(first, second); break;
-    case 2: fill(second, number); break;
-    case 3: fill(second, static_cast<int>(first.size())); break;
-    case 4: fill(second, -static_cast<long>(first.size()) * 0x7FFFFFFFFFFF); break;
-    default: fill(second, static_cast<unsigned long>(first.size()) * 0x7FFFFFFFFFFF); break;
+    case 0:
+        checkSplit(first, second);
+        break;
+    case 1:
+        checkArg(first, second);
+        break;
+    case 2:
+        fill(second, number);
+        break;
+    case 3:
+        fill(second, static_cast<int>(first.size()));
+        break;
+    case 4:
+        fill(second, -static_cast<long>(first.size()) * 0x7FFFFFFFFFFF);
+        break;
+    default:
+        fill(second, static_cast<unsigned long>(first.size()) * 0x7FFFFFFFFFFF);
+        break;
     }
     return 0;
 }

@@ -64,16 +64,19 @@ TEST(NormaliseCall, EmptiesTheMessageOnSuccess)
 {
     char out[Enough];
     char message[Enough] = "old";
-    EXPECT_EQ(ZALMetalNormaliseProgram(Program, std::strlen(Program), out, sizeof out, nullptr, message, sizeof message), 0);
+    EXPECT_EQ(
+        ZALMetalNormaliseProgram(Program, std::strlen(Program), out, sizeof out, nullptr, message, sizeof message), 0);
     EXPECT_STREQ(message, "");
 }
 
 TEST(NormaliseCall, RefusesMissingPointers)
 {
     char out[Enough];
-    EXPECT_EQ(ZALMetalNormaliseProgram(nullptr, 3, out, sizeof out, nullptr, nullptr, 0), ZALMetalResultInvalidArgument);
+    EXPECT_EQ(ZALMetalNormaliseProgram(nullptr, 3, out, sizeof out, nullptr, nullptr, 0),
+              ZALMetalResultInvalidArgument);
     EXPECT_EQ(ZALMetalNormaliseProgram(Program, 3, nullptr, 5, nullptr, nullptr, 0), ZALMetalResultInvalidArgument);
-    EXPECT_EQ(ZALMetalNormaliseProgram(Program, 3, out, sizeof out, nullptr, nullptr, 5), ZALMetalResultInvalidArgument);
+    EXPECT_EQ(ZALMetalNormaliseProgram(Program, 3, out, sizeof out, nullptr, nullptr, 5),
+              ZALMetalResultInvalidArgument);
 }
 
 TEST(NormaliseCall, NeedsNoContext)

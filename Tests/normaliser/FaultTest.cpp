@@ -29,10 +29,11 @@ std::string fragmentFault(const std::string& statements)
 
 TEST(NormaliseFaults, AddressRegisters)
 {
-    EXPECT_EQ(vertexFault("ADDRESS A0;\nPARAM c[2] = { program.env[0..1] };\nARL A0.x, vertex.position.x;\n"
-                          "MOV result.color, c[A0.x + 1];"),
-              "2:1: error: address registers cannot be expressed\n4:1: error: ARL: address registers cannot be expressed\n"
-              "5:21: error: address registers cannot be expressed\n");
+    EXPECT_EQ(
+        vertexFault("ADDRESS A0;\nPARAM c[2] = { program.env[0..1] };\nARL A0.x, vertex.position.x;\n"
+                    "MOV result.color, c[A0.x + 1];"),
+        "2:1: error: address registers cannot be expressed\n4:1: error: ARL: address registers cannot be expressed\n"
+        "5:21: error: address registers cannot be expressed\n");
 }
 
 TEST(NormaliseFaults, FogLightAndOtherState)
@@ -63,7 +64,8 @@ TEST(NormaliseFaults, Sampling)
               "2:1: error: TXB: sampling with a bias or a level of detail cannot be expressed\n");
     EXPECT_EQ(fragmentFault("TEX result.color, fragment.color, texture[32], 2D;"),
               "2:35: error: there is no texture unit above 31\n");
-    EXPECT_EQ(fragmentFault("TEX result.color, fragment.color, color[0], 2D;"), "2:35: error: a texture unit is missing\n");
+    EXPECT_EQ(fragmentFault("TEX result.color, fragment.color, color[0], 2D;"),
+              "2:35: error: a texture unit is missing\n");
 }
 
 TEST(NormaliseFaults, AttributesThatDoNotReachAProgram)
@@ -80,7 +82,8 @@ TEST(NormaliseFaults, AttributesThatDoNotReachAProgram)
 TEST(NormaliseFaults, ResultsAndInputs)
 {
     EXPECT_EQ(vertexFault("MOV result.pointsize, 1;"), "2:5: error: result: this result cannot be expressed\n");
-    EXPECT_EQ(vertexFault("MOV result.color.back, 1;"), "2:5: error: result.color.back: this result cannot be expressed\n");
+    EXPECT_EQ(vertexFault("MOV result.color.back, 1;"),
+              "2:5: error: result.color.back: this result cannot be expressed\n");
     EXPECT_EQ(vertexFault("MOV result.texcoord[8], 1;"), "2:5: error: result.texcoord[#]: there is no index above 7\n");
     EXPECT_EQ(fragmentFault("MOV result.color, fragment.color.secondary;"),
               "2:19: error: fragment.color.secondary: this input does not reach a program\n");
@@ -100,7 +103,8 @@ TEST(NormaliseFaults, Matrices)
 TEST(NormaliseFaults, Parameters)
 {
     EXPECT_EQ(vertexFault("PARAM p = program.env[128];"), "2:11: error: program.env[#]: there is no index above 127\n");
-    EXPECT_EQ(vertexFault("PARAM p = program.local[256];"), "2:11: error: program.local[#]: there is no index above 255\n");
+    EXPECT_EQ(vertexFault("PARAM p = program.local[256];"),
+              "2:11: error: program.local[#]: there is no index above 255\n");
     EXPECT_EQ(vertexFault("PARAM p = program.env[0];\nPARAM q = program.local[128];"),
               "3:11: error: a local from 128 on lies where the program's env parameters are put\n");
     EXPECT_EQ(vertexFault("PARAM p[2] = { 1, 2, 3 };"), "2:7: error: the array has room for 2, not for 3\n");
@@ -116,7 +120,8 @@ TEST(NormaliseFaults, OptionsAndInstructionsThatAreNotKnown)
     EXPECT_EQ(fragmentFault("IF TR;"), "2:4: error: TR: this condition cannot be expressed\n");
     EXPECT_EQ(fragmentFault("IF NE1.x;"), "2:4: error: NE1: this condition cannot be expressed\n");
     EXPECT_EQ(fragmentFault("BRK (NE.x);"), "2:5: error: a test of condition codes cannot be expressed\n");
-    EXPECT_EQ(fragmentFault("MOV result.color (NE.x), 1;"), "2:18: error: a mask by condition codes cannot be expressed\n");
+    EXPECT_EQ(fragmentFault("MOV result.color (NE.x), 1;"),
+              "2:18: error: a mask by condition codes cannot be expressed\n");
 }
 
 TEST(NormaliseFaults, WhatIsNoProgram)
@@ -127,7 +132,8 @@ TEST(NormaliseFaults, WhatIsNoProgram)
     EXPECT_EQ(fragmentFault("MOV result.color, a;"), "2:19: error: \"a\" is not declared\n");
     EXPECT_EQ(fragmentFault("TEMP a;\nTEMP a;"), "3:6: error: \"a\" is declared twice\n");
     EXPECT_EQ(fragmentFault("TEMP a;\nMOV a, a.xyq;"), "3:8: error: \".xyq\" is not a part of \"a\"\n");
-    EXPECT_EQ(fragmentFault("TEMP a;\nMOV a.yx, a;"), "3:5: error: the letters of a mask stand in the order of x, y, z, w\n");
+    EXPECT_EQ(fragmentFault("TEMP a;\nMOV a.yx, a;"),
+              "3:5: error: the letters of a mask stand in the order of x, y, z, w\n");
     EXPECT_EQ(fragmentFault("PARAM a = 1;\nMOV a, 1;"), "3:5: error: \"a\" cannot be written\n");
     EXPECT_EQ(fragmentFault("MOV result.color 1;"), "2:18: error: \",\" is missing before \"1\"\n");
     EXPECT_EQ(fragmentFault("MOV result.color, 1 2;"), "2:21: error: \";\" is missing before \"2\"\n");

@@ -23,7 +23,8 @@ inline Rewritten rewrite(const std::string& program)
     Rewritten result;
     std::string message(1 << 14, '\0');
     size_t needed = 0;
-    result.status = ZALMetalNormaliseProgram(program.data(), program.size(), nullptr, 0, &needed, message.data(), message.size());
+    result.status =
+        ZALMetalNormaliseProgram(program.data(), program.size(), nullptr, 0, &needed, message.data(), message.size());
     result.message = message.c_str();
     if (result.status != ZALMetalResultBufferTooSmall) return result;
 

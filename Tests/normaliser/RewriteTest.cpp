@@ -81,9 +81,10 @@ TEST(NormaliseNames, GivesTheNormalItsFourthComponentWhereItIsRead)
 
 TEST(NormaliseNames, GivesConventionalResultsTheirPlainNames)
 {
-    EXPECT_EQ(vertex("MOV result.color.primary, 0;\nMOV result.color.front, 0;\nMOV result.color.front.primary.x, 0;\n"
-                     "MOV result.texcoord, 0;"),
-              "MOV result.color, 0.0;\nMOV result.color, 0.0;\nMOV result.color.x, 0.0;\nMOV result.texcoord[0], 0.0;\n");
+    EXPECT_EQ(
+        vertex("MOV result.color.primary, 0;\nMOV result.color.front, 0;\nMOV result.color.front.primary.x, 0;\n"
+               "MOV result.texcoord, 0;"),
+        "MOV result.color, 0.0;\nMOV result.color, 0.0;\nMOV result.color.x, 0.0;\nMOV result.texcoord[0], 0.0;\n");
 }
 
 TEST(NormaliseNames, GivesConventionalInputsTheirPlainNames)
@@ -128,8 +129,9 @@ TEST(NormaliseNames, DeclaresBeforeTheBlockWhatABlockDeclares)
 
 TEST(NormaliseParameters, PutsGlobalsBehindTheLocals)
 {
-    EXPECT_EQ(vertex("PARAM p = program.env[3];\nTEMP a;\nADD a, p, program.env[127].x;\nADD a, a, program.local[127];"),
-              "PARAM p = program.local[131];\nTEMP a;\nADD a, p, program.local[255].x;\nADD a, a, program.local[127];\n");
+    EXPECT_EQ(
+        vertex("PARAM p = program.env[3];\nTEMP a;\nADD a, p, program.env[127].x;\nADD a, a, program.local[127];"),
+        "PARAM p = program.local[131];\nTEMP a;\nADD a, p, program.local[255].x;\nADD a, a, program.local[127];\n");
 }
 
 TEST(NormaliseParameters, KeepsRangesOfThem)
@@ -140,9 +142,10 @@ TEST(NormaliseParameters, KeepsRangesOfThem)
 
 TEST(NormaliseParameters, FillsVectorsUp)
 {
-    EXPECT_EQ(fragment("PARAM a = 2;\nPARAM b = {1};\nPARAM c = {1, -2};\nPARAM d = {1, 2, +3};\nPARAM e = {1, 2, 3, 4e-2};"),
-              "PARAM a = { 2.0, 2.0, 2.0, 2.0 };\nPARAM b = { 1.0, 0.0, 0.0, 1.0 };\nPARAM c = { 1.0, -2.0, 0.0, 1.0 };\n"
-              "PARAM d = { 1.0, 2.0, 3.0, 1.0 };\nPARAM e = { 1.0, 2.0, 3.0, 4e-2 };\n");
+    EXPECT_EQ(
+        fragment("PARAM a = 2;\nPARAM b = {1};\nPARAM c = {1, -2};\nPARAM d = {1, 2, +3};\nPARAM e = {1, 2, 3, 4e-2};"),
+        "PARAM a = { 2.0, 2.0, 2.0, 2.0 };\nPARAM b = { 1.0, 0.0, 0.0, 1.0 };\nPARAM c = { 1.0, -2.0, 0.0, 1.0 };\n"
+        "PARAM d = { 1.0, 2.0, 3.0, 1.0 };\nPARAM e = { 1.0, 2.0, 3.0, 4e-2 };\n");
 }
 
 TEST(NormaliseParameters, FillsElementsUp)
@@ -182,11 +185,12 @@ TEST(NormaliseMatrices, NamesTheOnlyModelviewWithoutItsNumber)
 
 TEST(NormaliseMatrices, ReadsRowsOfTheInverseModelviewFromAnArray)
 {
-    EXPECT_EQ(vertex("PARAM all[4] = { state.matrix.modelview.inverse };\nPARAM r = state.matrix.modelview.inverse.row[2];\n"
-                     "TEMP a;\nDP4 a.x, state.matrix.modelview.inverse.row[1], a;"),
-              "PARAM zal_inverse[4] = { state.matrix.modelview.inverse };\n"
-              "PARAM all[4] = { state.matrix.modelview.inverse };\nPARAM r = zal_inverse[2];\n"
-              "TEMP a;\nDP4 a.x, zal_inverse[1], a;\n");
+    EXPECT_EQ(
+        vertex("PARAM all[4] = { state.matrix.modelview.inverse };\nPARAM r = state.matrix.modelview.inverse.row[2];\n"
+               "TEMP a;\nDP4 a.x, state.matrix.modelview.inverse.row[1], a;"),
+        "PARAM zal_inverse[4] = { state.matrix.modelview.inverse };\n"
+        "PARAM all[4] = { state.matrix.modelview.inverse };\nPARAM r = zal_inverse[2];\n"
+        "TEMP a;\nDP4 a.x, zal_inverse[1], a;\n");
 }
 
 TEST(NormaliseMatrices, WritesPositionInvarianceAsFourProducts)
@@ -255,10 +259,13 @@ TEST(NormaliseInstructions, ExtendedSwizzleOfItsOwnRegister)
 TEST(NormaliseInstructions, LightingFactors)
 {
     EXPECT_EQ(instruction("LIT a, -b;"),
-              "MAX zal_scratch.y, -b.y, 0.0;\nMAX zal_scratch.w, -b.w, -127.9961;\nMIN zal_scratch.w, zal_scratch.w, 127.9961;\n"
+              "MAX zal_scratch.y, -b.y, 0.0;\nMAX zal_scratch.w, -b.w, -127.9961;\nMIN zal_scratch.w, zal_scratch.w, "
+              "127.9961;\n"
               "POW zal_scratch.z, zal_scratch.y, zal_scratch.w;\nCMP zal_scratch.z, b.x, zal_scratch.z, 0.0;\n"
-              "MAX zal_scratch.y, -b.x, 0.0;\nMOV a.x, 1.0;\nMOV a.y, zal_scratch.y;\nMOV a.z, zal_scratch.z;\nMOV a.w, 1.0;\n");
-    EXPECT_EQ(instruction("LIT_SAT a.xy, b.wxyz;"), "MAX zal_scratch.y, b.w, 0.0;\nMOV a.x, 1.0;\nMOV_SAT a.y, zal_scratch.y;\n");
+              "MAX zal_scratch.y, -b.x, 0.0;\nMOV a.x, 1.0;\nMOV a.y, zal_scratch.y;\nMOV a.z, zal_scratch.z;\nMOV "
+              "a.w, 1.0;\n");
+    EXPECT_EQ(instruction("LIT_SAT a.xy, b.wxyz;"),
+              "MAX zal_scratch.y, b.w, 0.0;\nMOV a.x, 1.0;\nMOV_SAT a.y, zal_scratch.y;\n");
 }
 
 TEST(NormaliseInstructions, SineAndCosine)
@@ -324,18 +331,20 @@ TEST(NormaliseInstructions, WhatNewerProgramsAdd)
 TEST(NormaliseInstructions, ModifiersBecomeWhatTheDialectHas)
 {
     EXPECT_EQ(instruction("ADD.SAT a.x, b, c;\nMUL.F a, b, c;"), "ADD_SAT a.x, b, c;\nMUL a, b, c;\n");
-    EXPECT_EQ(instruction("SLTC a.x, b, c;\nMOV.CC0 a, b;"),
-              "SLT a.x, b, c;\nMOVC a.x, a.x;\nMOV a, b;\nMOVC a, a;\n");
+    EXPECT_EQ(instruction("SLTC a.x, b, c;\nMOV.CC0 a, b;"), "SLT a.x, b, c;\nMOVC a.x, a.x;\nMOV a, b;\nMOVC a, a;\n");
 }
 
 TEST(NormaliseInstructions, EveryOtherInstructionStaysAsItIs)
 {
     const std::string program =
-        "UINT TEMP U0, U1;\nTEMP a, b;\nABS a, b;\nADD_SAT a.xy, b, -a.x;\nAND.U U0, U1, 255.0;\nCMP a, b, a, b;\nCOS a.x, b.x;\n"
-        "DP2 a.x, a, b;\nDP3 a.x, a, b;\nDP4 a.x, a, b;\nEX2 a.x, b.x;\nFLR a, b;\nFLR.U U0, b.x;\nFRC a, b;\nI2F.U a, U0;\n"
+        "UINT TEMP U0, U1;\nTEMP a, b;\nABS a, b;\nADD_SAT a.xy, b, -a.x;\nAND.U U0, U1, 255.0;\nCMP a, b, a, b;\nCOS "
+        "a.x, b.x;\n"
+        "DP2 a.x, a, b;\nDP3 a.x, a, b;\nDP4 a.x, a, b;\nEX2 a.x, b.x;\nFLR a, b;\nFLR.U U0, b.x;\nFRC a, b;\nI2F.U a, "
+        "U0;\n"
         "MOVC a.x, b.x;\nIF NE.x;\nKIL a;\nELSE;\nKIL -a.x;\nENDIF;\nREP a.x;\nCONT;\nBRK;\nENDREP;\nLG2 a.x, b.x;\n"
         "LRP a, b, a, b;\nMAD a, b, a, |b|;\nMAX a, a, b;\nMIN a, a, b;\nMOV a, b;\nMUL a, a, b;\nPK4UB.U U0, a;\n"
-        "POW a.x, b.x, a.x;\nRCP a.x, b.x;\nSEQ a, a, b;\nSGE a, a, b;\nSGT a, a, b;\nSHR.U U0, U1, 8.0;\nSIN a.x, b.x;\n"
+        "POW a.x, b.x, a.x;\nRCP a.x, b.x;\nSEQ a, a, b;\nSGE a, a, b;\nSGT a, a, b;\nSHR.U U0, U1, 8.0;\nSIN a.x, "
+        "b.x;\n"
         "SLT a, a, b;\nSUB a, a, b;\nTEX a, b, texture[31], 3D;\nUP4UB a, b;\nXPD a.xyz, a, b;\n";
     EXPECT_EQ(fragment4(program), program);
 }

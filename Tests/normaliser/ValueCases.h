@@ -160,7 +160,8 @@ END)"},
     {"normal with a fourth component", R"(!!ARBvp1.0
 OPTION ARB_position_invariant;
 MAD result.color, vertex.normal, 0.5, 0.5;
-END)", PlainFragment},
+END)",
+     PlainFragment},
 
     {"matrix rows", R"(!!ARBvp1.0
 PARAM mvp[4] = { state.matrix.mvp };
@@ -178,7 +179,8 @@ DP4 a.y, inverse[1], vertex.position;
 DP4 a.z, rows[1], vertex.color;
 DP4 a.w, last, vertex.color;
 MAD result.color, a, 0.125, 0.5;
-END)", PlainFragment},
+END)",
+     PlainFragment},
 
     {"texture matrices", R"(!!ARBvp1.0
 OPTION ARB_position_invariant;
@@ -188,7 +190,8 @@ DP4 a.y, state.matrix.texture.inverse.row[1], vertex.texcoord;
 DP4 a.z, state.matrix.texture[0].transpose.row[0], vertex.texcoord[0];
 DP4 a.w, state.matrix.texture[0].invtrans.row[3], vertex.texcoord[0];
 MAD result.color, a, 0.125, 0.5;
-END)", PlainFragment},
+END)",
+     PlainFragment},
 
     {"logarithm", R"(!!ARBvp1.0
 OPTION ARB_position_invariant;
@@ -196,7 +199,8 @@ TEMP a;
 MAD a, vertex.color, 7, 0.3;
 LOG a, -a.x;
 MUL result.color, a, { 0.25, 0.5, 0.25, 1 };
-END)", PlainFragment},
+END)",
+     PlainFragment},
 
     {"exponential", R"(!!ARBvp1.0
 OPTION ARB_position_invariant;
@@ -204,7 +208,8 @@ TEMP a;
 MAD a.x, vertex.color.y, -3.5, 0.25;
 EXP a, a.x;
 MUL result.color, a, 0.75;
-END)", PlainFragment},
+END)",
+     PlainFragment},
 
     {"blended matrices", R"(!!ARBvp1.0
 ATTRIB weight = vertex.texcoord[1];
@@ -224,7 +229,8 @@ DP4 place.x, state.matrix.mvp.row[0], vertex.position;
 DP4 place.y, state.matrix.mvp.row[1], vertex.position;
 DP4 place.z, state.matrix.mvp.row[2], vertex.position;
 DP4 place.w, state.matrix.mvp.row[3], vertex.position;
-END)", PlainFragment},
+END)",
+     PlainFragment},
 
     {"lit vertices", R"(!!ARBvp1.0
 OPTION ARB_position_invariant;
@@ -244,7 +250,8 @@ MAD result.color.xyz, lit.z, { 0.25, 0.125, 0.0625 }, 0.125;
 MOV result.color.w, lit.w;
 MOV result.fogcoord, light.x;
 MOV result.color.secondary, lit;
-END)", PlainFragment},
+END)",
+     PlainFragment},
 });
 
 } // namespace normaliser

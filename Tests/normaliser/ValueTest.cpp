@@ -15,7 +15,7 @@
 namespace
 {
 
-constexpr int Tolerance = 2; // of 255, in every channel
+constexpr int Tolerance = 2;  // of 255, in every channel
 constexpr int EdgePixels = 2; // of 64, which may fall on either side of the quad's edge
 
 using Pixel = std::vector<int>; // place and channels
@@ -68,7 +68,8 @@ TEST(RewrittenProgram, ComputesWhatTheProgramComputes)
         int different = 0;
         std::string first;
         for (size_t i = 0; i < left.size(); ++i)
-            if (!agree(left[i], right[i]) && different++ == 0) first = textOf(left[i]) + "instead of " + textOf(right[i]);
+            if (!agree(left[i], right[i]) && different++ == 0)
+                first = textOf(left[i]) + "instead of " + textOf(right[i]);
         EXPECT_LE(different, EdgePixels) << value.name << ", x y r g b a: " << first;
     }
 }

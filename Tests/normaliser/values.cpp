@@ -22,9 +22,12 @@ constexpr float Projection[16] = {0.9f, 0, 0, 0, 0, 0.95f, 0, 0, 0, 0, -0.5f, 0,
 constexpr float Texture[16] = {0.5f, 0.25f, 0, 0, -0.25f, 0.75f, 0, 0.125f, 0, 0, 1, 0, 0.5f, -0.5f, 0, 1};
 
 constexpr float Corners[4][4] = {{-1, -1, 0, 1}, {1, -1, 0.1f, 1}, {-1, 1, 0.2f, 1}, {1, 1, 0.1f, 1}};
-constexpr float Normals[4][4] = {{-0.6f, 0.2f, 0.8f, 1}, {0.6f, 0.1f, 0.5f, 1}, {-0.2f, 0.7f, 0.3f, 1}, {0.5f, 0.5f, -0.7f, 1}};
-constexpr float Colors[4][4] = {{0.1f, 0.9f, 0.3f, 1}, {0.8f, 0.2f, 0.5f, 0.5f}, {0.4f, 0.6f, 0.9f, 0.75f}, {0.95f, 0.35f, 0.05f, 0.25f}};
-constexpr float Texcoords[4][4] = {{0.05f, 0.1f, 0.3f, 1}, {0.95f, 0.2f, 0.6f, 0.75f}, {0.15f, 0.85f, 0.2f, 0.5f}, {0.9f, 0.95f, 0.8f, 1}};
+constexpr float Normals[4][4] = {
+    {-0.6f, 0.2f, 0.8f, 1}, {0.6f, 0.1f, 0.5f, 1}, {-0.2f, 0.7f, 0.3f, 1}, {0.5f, 0.5f, -0.7f, 1}};
+constexpr float Colors[4][4] = {
+    {0.1f, 0.9f, 0.3f, 1}, {0.8f, 0.2f, 0.5f, 0.5f}, {0.4f, 0.6f, 0.9f, 0.75f}, {0.95f, 0.35f, 0.05f, 0.25f}};
+constexpr float Texcoords[4][4] = {
+    {0.05f, 0.1f, 0.3f, 1}, {0.95f, 0.2f, 0.6f, 0.75f}, {0.15f, 0.85f, 0.2f, 0.5f}, {0.9f, 0.95f, 0.8f, 1}};
 constexpr float Weights[4][4] = {{0.2f, 0.3f, 0, 1}, {0.9f, 0.1f, 0, 1}, {0.4f, 0.9f, 0, 1}, {0.7f, 0.6f, 0, 1}};
 
 constexpr float Locals[3][4] = {{0.3f, 0.9f, 0.3f, 0.2f}, {0.6f, 0.25f, 0.45f, 0.125f}, {0.75f, 0.5f, 0.9f, 0.6f}};
