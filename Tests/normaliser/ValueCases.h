@@ -94,10 +94,10 @@ END)"},
 
     {"homogeneous", PlainVertex, R"(!!ARBfp1.0
 TEMP a;
-MOV a, fragment.color;
+MUL a, fragment.color, { 0.2, 0.3, 0.1, 1 };
 DPH_SAT a.xy, a, fragment.texcoord[0].zyxw;
-DPH a.zw, -a, -fragment.color;
-MUL result.color, a, 0.5;
+DPH a.zw, -a, fragment.color;
+MAD result.color, a, 0.5, 0.25;
 END)"},
 
     {"cross product", PlainVertex, R"(!!ARBfp1.0
