@@ -153,7 +153,7 @@ Source NormaliserRun::ReadSource()
 
     Source source;
     if (Look().kind == TokenKind::Number)
-        source = ReadNumberSource(negative);
+        source = ReadNumberSource();
     else if (IsMark("{"))
         source = ReadVectorSource();
     else
@@ -164,28 +164,32 @@ Source NormaliserRun::ReadSource()
     return source;
 }
 
-Source NormaliserRun::ReadNumberSource(bool negative)
+// The swizzle behind a constant, if there is one.
+std::string NormaliserRun::ReadConstantSwizzle()
+{
+    const Token at = Look();
+    if (!TakeMark(".")) return {};
+
+    const Path path = {at, {PathPart{"a constant", false, 0, 0}, PathPart{ExpectWord("a swizzle"), false, 0, 0}}};
+    Place place;
+    TakeSwizzle(place, path, 1);
+    return place.swizzle;
+}
+
+Source NormaliserRun::ReadNumberSource()
 {
     Source source;
     source.number = true;
     source.text = FloatText(Take().text);
-    source.negative = negative;
+    ReadConstantSwizzle(); // all components are the number
     return source;
 }
 
 Source NormaliserRun::ReadVectorSource()
 {
-    const Token at = Look();
     Source source;
     source.text = ConstantFor(ReadVector());
-    if (!TakeMark(".")) return source;
-
-    Path path;
-    path.at = at;
-    path.parts = {PathPart{"a vector", false, 0, 0}, PathPart{ExpectWord("a swizzle"), false, 0, 0}};
-    Place place;
-    TakeSwizzle(place, path, 1);
-    source.swizzle = place.swizzle;
+    source.swizzle = ReadConstantSwizzle();
     return source;
 }
 

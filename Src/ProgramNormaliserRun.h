@@ -130,7 +130,8 @@ private:
 
     // ---- Operands (ProgramNormaliserOperands) ----
     Source ReadSource();
-    Source ReadNumberSource(bool negative);
+    Source ReadNumberSource();
+    std::string ReadConstantSwizzle();
     Source ReadVectorSource();
     Source ReadPathSource();
     void ReadDestination(Destination& destination);

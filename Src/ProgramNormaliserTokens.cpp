@@ -74,11 +74,12 @@ private:
         return TokenKind::Mark;
     }
 
-    // "0..3" begins with a whole number; "2D" is a word.
+    // "0..3" and "2.x" begin with a whole number; "2D" is a word.
     TokenKind TakeNumber()
     {
         TakeDigits();
-        if (Look() == '.' && Look(1) != '.') {
+        const bool swizzled = IsLetter(Look(1)) && LowerCase(Look(1)) != 'e';
+        if (Look() == '.' && Look(1) != '.' && !swizzled) {
             ++at;
             TakeDigits();
         }

@@ -40,6 +40,12 @@ TEST(NormaliseLayout, WritesNumbersAsTheShadingLanguageReadsThem)
     EXPECT_EQ(fragment("TEMP a;\nMAD a, 2, -.5, +1e3;"), "TEMP a;\nMAD a, 2.0, -.5, 1e3;\n");
 }
 
+TEST(NormaliseLayout, LeavesOutSwizzlesOfNumbers)
+{
+    EXPECT_EQ(fragment("TEMP a;\nMAD a, 2.x, -1.5.xyzw, 1.e1;\nPOW a.x, 2.e-1.x, .5.w;"),
+              "TEMP a;\nMAD a, 2.0, -1.5, 1.e1;\nPOW a.x, 2.e-1, .5;\n");
+}
+
 TEST(NormaliseLayout, WritesColourLettersAsPlaces)
 {
     EXPECT_EQ(fragment("TEMP a;\nMOV a.rgb, a.bgra;\nMOV a.xyzw, a.xyzw;"), "TEMP a;\nMOV a.xyz, a.zyxw;\nMOV a, a;\n");
