@@ -9,7 +9,7 @@
 
 #include <algorithm>
 #include <cstring>
-#include <new>
+#include <exception>
 
 namespace ZALMetal
 {
@@ -196,7 +196,7 @@ int ZALMetalNormaliseProgram(const char* text, size_t length, char* out, size_t 
 
         copyText(out, outSize, program);
         return ZALMetalResultSuccess;
-    } catch (const std::bad_alloc&) {
+    } catch (const std::exception&) { // nothing but a failed allocation gets here
         return ZALMetalResultOutOfMemory;
     }
 }

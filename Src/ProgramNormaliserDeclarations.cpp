@@ -110,7 +110,8 @@ void NormaliserRun::ReadSingleParameter(const Token& name)
     if (Look().kind == TokenKind::Word) {
         const Path path = ReadPath();
         const Place place = Resolve(path);
-        if (place.elements != 1 || place.array) Fail(path.at, "several values stand where one fits");
+        if (!place.parameter || place.array) Fail(path.at, "neither a constant nor a parameter");
+        if (place.elements != 1) Fail(path.at, "several values stand where one fits");
         if (!place.swizzle.empty()) Fail(path.at, "a parameter is a whole vector");
         value = place.matrix ? RowText(place, place.firstRow) : place.text;
     } else
@@ -152,7 +153,8 @@ void NormaliserRun::ReadElement(std::vector<std::string>& elements, int& count)
     }
     const Path path = ReadPath();
     const Place place = Resolve(path);
-    if (place.array || !place.swizzle.empty()) Fail(at, "an element is a whole vector");
+    if (!place.parameter || place.array) Fail(at, "neither a constant nor a parameter");
+    if (!place.swizzle.empty()) Fail(at, "an element is a whole vector");
 
     count += place.elements;
     if (count > kMostElements) Fail(at, "the array is too long");
@@ -163,16 +165,8 @@ void NormaliserRun::ReadElement(std::vector<std::string>& elements, int& count)
     else if (place.matrix)
         for (int row = place.firstRow; row <= place.lastRow; ++row)
             elements.push_back(RowText(place, row));
-    else if (place.elements == 1)
+    else
         elements.push_back(place.text);
-    else {
-        const PathPart& range = path.parts.back();
-        const int last = range.last - range.first;
-        const size_t bracket = place.text.find('[');
-        const int first = std::stoi(place.text.substr(bracket + 1));
-        elements.push_back(place.text.substr(0, bracket + 1) + std::to_string(first) + ".." +
-                           std::to_string(first + last) + "]");
-    }
 }
 
 } // namespace ZALMetal

@@ -48,12 +48,15 @@ size_t MatchRefusal(std::string_view pattern, const Path& path)
     return part;
 }
 
-std::string Filled(std::string_view pattern, int index)
+// The pattern with an index, or a range of them, in place of its "#".
+std::string Filled(std::string_view pattern, int first, int last)
 {
     std::string text(pattern);
     const size_t at = text.find('#');
-    if (at != std::string::npos) text.replace(at, 1, std::to_string(index));
-    return text;
+    if (at == std::string::npos) return text;
+
+    const std::string index = std::to_string(first) + (last > first ? ".." + std::to_string(last) : "");
+    return text.replace(at, 1, index);
 }
 
 } // namespace
@@ -111,6 +114,7 @@ Place NormaliserRun::ResolveVariable(const Path& path, const Variable& variable)
     place.normal = variable.normal;
     place.temporary = variable.kind == Variable::Temporary;
     place.array = variable.kind == Variable::Array && !name.indexed;
+    place.parameter = variable.kind == Variable::Array || variable.kind == Variable::Parameter;
     if (name.indexed && variable.kind != Variable::Array) Fail(path.at, std::string(name.name) + " is not an array");
     if (name.last != name.first) Fail(path.at, "a range stands where one value fits");
     if (name.indexed) place.text += "[" + std::to_string(name.first) + "]";
@@ -162,8 +166,9 @@ Place NormaliserRun::ResolveBinding(const Path& path)
     if (!reachable) Fail(path.at, "vertex.attrib[" + std::to_string(index) + "]: " + kNoAttribute);
 
     Place place;
-    place.text = Filled(found->replacement, index);
+    place.text = Filled(found->replacement, index, last.last + found->offset);
     place.normal = found->use == BindingUse::Normal;
+    place.parameter = found->use == BindingUse::Local || found->use == BindingUse::Global;
     place.elements = last.last - last.first + 1;
     if (found->use == BindingUse::Unread) {
         usesUnread = true;
@@ -187,7 +192,7 @@ std::optional<Place> NormaliserRun::ResolveMatrix(const Path& path)
         Fail(path.at, "state.matrix." + std::string(name.name) + ": there is no such matrix here");
 
     Place place;
-    place.matrix = true;
+    place.matrix = place.parameter = true;
     place.text = "state.matrix." + std::string(name.name);
     if (row->most > 0) place.text += "[" + std::to_string(name.first) + "]";
 

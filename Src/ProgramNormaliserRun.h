@@ -52,11 +52,12 @@ struct Place
     bool array = false;  // a whole array
     bool normal = false;
     bool temporary = false;
+    bool parameter = false; // a parameter can have this value
     // A matrix: `text` is its name, and these are the rows wanted, all four when none were named.
     bool matrix = false;
     int firstRow = 0;
     int lastRow = 3;
-    // Several elements of an array or of the program's parameters, `text` being the first.
+    // How many values `text` stands for: rows of a matrix, or a range of the program's parameters.
     int elements = 1;
 };
 

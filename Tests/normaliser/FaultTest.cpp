@@ -111,6 +111,15 @@ TEST(NormaliseFaults, Parameters)
     EXPECT_EQ(vertexFault("PARAM p = { 1, 2, 3, 4, 5 };"), "2:11: error: a vector has four components\n");
 }
 
+TEST(NormaliseFaults, ValuesThatNoParameterHas)
+{
+    const std::string reason = ": error: neither a constant nor a parameter\n";
+    EXPECT_EQ(vertexFault("PARAM p = vertex.position;"), "2:11" + reason);
+    EXPECT_EQ(vertexFault("PARAM p[2] = { vertex.attrib[2..3] };"), "2:16" + reason);
+    EXPECT_EQ(vertexFault("TEMP a;\nPARAM p = a;"), "3:11" + reason);
+    EXPECT_EQ(vertexFault("PARAM a[1] = { 1 };\nPARAM p[1] = { a };"), "3:16" + reason);
+}
+
 TEST(NormaliseFaults, OptionsAndInstructionsThatAreNotKnown)
 {
     EXPECT_EQ(fragmentFault("OPTION NV_something;"), "2:8: error: NV_something: this option cannot be expressed\n");
