@@ -50,7 +50,7 @@ void NormaliserRun::ReadTemporaries(bool integers)
         const Token at = Look();
         const std::string name = NewName(ExpectWord("a name"));
         if (IsMark("[")) Fail(Look(), "arrays of temporaries cannot be expressed");
-        Declare(at, {Variable::Temporary, name, false});
+        Declare(at, {Variable::Temporary, name, false, 0});
         line += separator + name;
         separator = ", ";
     } while (TakeMark(","));
@@ -71,7 +71,7 @@ void NormaliserRun::ReadBindingName()
     const bool result = place.text.starts_with("result.") || place.text == Helper("unread");
     if (place.matrix || place.elements != 1 || !place.swizzle.empty() || (!input && !result))
         Fail(path.at, "neither an attribute nor a result");
-    Declare(name, {Variable::Binding, place.text, place.normal});
+    Declare(name, {Variable::Binding, place.text, place.normal, 0});
 }
 
 void NormaliserRun::ReadAlias()
@@ -116,7 +116,7 @@ void NormaliserRun::ReadSingleParameter(const Token& name)
         value = place.matrix ? RowText(place, place.firstRow) : place.text;
     } else
         value = ReadVector();
-    Declare(name, {Variable::Parameter, newName, false});
+    Declare(name, {Variable::Parameter, newName, false, 0});
     AddDeclaration("PARAM " + newName + " = " + value);
 }
 
@@ -134,7 +134,7 @@ void NormaliserRun::ReadArrayParameter(const Token& name, int room)
         Fail(name, "the array has room for " + std::to_string(room) + ", not for " + std::to_string(count));
 
     const std::string newName = NewName(name.text);
-    Declare(name, {Variable::Array, newName, false});
+    Declare(name, {Variable::Array, newName, false, count});
     std::string line = "PARAM " + newName + "[" + std::to_string(count) + "] = { ";
     for (size_t i = 0; i < elements.size(); ++i)
         line += (i > 0 ? ", " : "") + elements[i];

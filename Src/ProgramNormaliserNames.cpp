@@ -23,27 +23,16 @@ std::string_view TakePatternPart(std::string_view& pattern, bool& indexed)
     return part;
 }
 
-// How many parts of the path the pattern stands for, 0 when it does not stand for its beginning.
-size_t MatchPattern(std::string_view pattern, const Path& path)
+// How many parts of the path the pattern stands for, 0 when it does not stand for its beginning. A binding that is
+// refused as a whole is refused with any index.
+size_t MatchPattern(std::string_view pattern, const Path& path, bool anyIndex)
 {
     size_t part = 0;
     for (; !pattern.empty(); ++part) {
         bool indexed = false;
         const std::string_view name = TakePatternPart(pattern, indexed);
         if (part >= path.parts.size() || name != path.parts[part].name) return 0;
-        if (path.parts[part].indexed && !indexed) return 0;
-    }
-    return part;
-}
-
-// An index that the pattern has no room for still belongs to a binding that is refused as a whole.
-size_t MatchRefusal(std::string_view pattern, const Path& path)
-{
-    size_t part = 0;
-    for (; !pattern.empty(); ++part) {
-        bool indexed = false;
-        const std::string_view name = TakePatternPart(pattern, indexed);
-        if (part >= path.parts.size() || name != path.parts[part].name) return 0;
+        if (path.parts[part].indexed && !indexed && !anyIndex) return 0;
     }
     return part;
 }
@@ -117,6 +106,8 @@ Place NormaliserRun::ResolveVariable(const Path& path, const Variable& variable)
     place.parameter = variable.kind == Variable::Array || variable.kind == Variable::Parameter;
     if (name.indexed && variable.kind != Variable::Array) Fail(path.at, std::string(name.name) + " is not an array");
     if (name.last != name.first) Fail(path.at, "a range stands where one value fits");
+    if (name.indexed && name.first >= variable.length)
+        Fail(path.at, std::string(name.name) + " has no element " + std::to_string(name.first));
     if (name.indexed) place.text += "[" + std::to_string(name.first) + "]";
     TakeSwizzle(place, path, 1);
     return place;
@@ -148,8 +139,7 @@ Place NormaliserRun::ResolveBinding(const Path& path)
     size_t parts = 0;
     for (const BindingRow& row : kBindingRows) {
         const bool stage = row.stage == BindingStage::Both || (row.stage == BindingStage::Vertex) == vertex;
-        const size_t matched =
-            row.use == BindingUse::Refused ? MatchRefusal(row.binding, path) : MatchPattern(row.binding, path);
+        const size_t matched = MatchPattern(row.binding, path, row.use == BindingUse::Refused);
         if (!stage || matched <= parts) continue; // the longest binding counts
         found = &row;
         parts = matched;

@@ -42,6 +42,7 @@ struct Variable
     Kind kind = Temporary;
     std::string text;    // in the rewritten program
     bool normal = false; // stands for the vertex normal as the standard knows it, with a fourth component of 1
+    int length = 0;      // of an array
 };
 
 // What a path stands for, in words of the dialect.

@@ -108,6 +108,7 @@ TEST(NormaliseFaults, Parameters)
     EXPECT_EQ(vertexFault("PARAM p = program.env[0];\nPARAM q = program.local[128];"),
               "3:11: error: a local from 128 on lies where the program's env parameters are put\n");
     EXPECT_EQ(vertexFault("PARAM p[2] = { 1, 2, 3 };"), "2:7: error: the array has room for 2, not for 3\n");
+    EXPECT_EQ(vertexFault("PARAM p[1] = { 1 };\nMOV result.color, p[1];"), "3:19: error: p has no element 1\n");
     EXPECT_EQ(vertexFault("PARAM p = { 1, 2, 3, 4, 5 };"), "2:11: error: a vector has four components\n");
 }
 
