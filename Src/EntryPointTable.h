@@ -33,6 +33,7 @@ inline const EntryPointRow EntryPointTable[] = {
     {"ZALMetalContextSwapBuffers", reinterpret_cast<EntryPoint>(&ZALMetalContextSwapBuffers)},
     {"ZALMetalContextUpdateSize", reinterpret_cast<EntryPoint>(&ZALMetalContextUpdateSize)},
     {"ZALMetalGetProcAddress", reinterpret_cast<EntryPoint>(&ZALMetalGetProcAddress)},
+    {"ZALMetalNormaliseProgram", reinterpret_cast<EntryPoint>(&ZALMetalNormaliseProgram)},
     {"glActiveTextureARB", reinterpret_cast<EntryPoint>(&glActiveTextureARB)},
     {"glAlphaFunc", reinterpret_cast<EntryPoint>(&glAlphaFunc)},
     {"glAttachObjectARB", reinterpret_cast<EntryPoint>(&glAttachObjectARB)},
