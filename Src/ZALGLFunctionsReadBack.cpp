@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // Chapters: reading pixels, reading textures, copies.
+#include "ScopedPool.h"
 #include "ZALGLContextObjects.h"
 #include "ZALMetalBlitter.h"
 #include "ZALMetalContext.h"
@@ -91,44 +92,59 @@ void copyToClient(const ReadFormat& f, const uint8_t* from, uint64_t pixels, voi
     for (uint64_t i = 0; i < pixels; ++i, from += f.bytesPerPixel, out += f.copyBytes) std::memcpy(out, from + f.offset, f.copyBytes);
 }
 
+/// The source of a read: the texture itself, or what it was converted to; null when that cannot be made.
+struct Source
+{
+    Source(MTL::Texture* wanted, const ReadFormat& f, int x, int y, int width, int height)
+        : isTemporary(wanted->pixelFormat() != f.pixelFormat),
+          texture(isTemporary ? converted(wanted, f.pixelFormat, x, y, width, height) : wanted)
+    {
+    }
+    ~Source()
+    {
+        if (!isTemporary || !texture) return;
+        texture->setPurgeableState(MTL::PurgeableStateEmpty);
+        texture->release();
+    }
+    Source(const Source&) = delete;
+    Source& operator=(const Source&) = delete;
+
+    bool isTemporary;
+    MTL::Texture* texture;
+};
+
+/// Bytes of the buffer between device and client; 0 when there is nothing to read or no memory of that size.
+uint64_t bufferBytes(const ReadFormat& f, int width, int height)
+{
+    if (width <= 0 || height <= 0) return 0;
+    uint64_t count = static_cast<uint64_t>(width) * static_cast<uint64_t>(height);
+    return count <= UINT64_MAX / f.bytesPerPixel ? count * f.bytesPerPixel : 0;
+}
+
 void ReadPixelsFromMtlTexture2D(MTL::Texture* texture, const ReadFormat& readFormat, int x, int y, int width, int height, void* pixels)
 {
-    if (!texture || width <= 0 || height <= 0) return;
     ZALMetalState* metalState = GetCurrentMetalState();
-    uint64_t count = static_cast<uint64_t>(width) * static_cast<uint64_t>(height);
-    MTL::Buffer* buffer = GetCurrentMetalData()->device->newBuffer(count * readFormat.bytesPerPixel, static_cast<MTL::ResourceOptions>(0));
-    if (!buffer) return;
+    uint64_t bytes = bufferBytes(readFormat, width, height);
+    MTL::Buffer* buffer = texture && bytes ? GetCurrentMetalData()->device->newBuffer(bytes, static_cast<MTL::ResourceOptions>(0)) : nullptr;
+    if (!buffer) return metalState->commandBufferWaitUntilCompleted(); // nothing to copy; hosts also read to wait
+
     metalState->commandBufferEnd();
-    MTL::Texture* temporary = nullptr;
-    if (texture->pixelFormat() != readFormat.pixelFormat) temporary = converted(texture, readFormat.pixelFormat, x, y, width, height);
-    MTL::Texture* source = temporary ? temporary : texture;
-    bool packed = source->pixelFormat() == MTL::PixelFormatDepth32Float_Stencil8 || source->pixelFormat() == MTL::PixelFormatDepth24Unorm_Stencil8;
-    // Kept on purpose: [converted-read-origin] a converted read keeps its origin, although the converted copy begins at (0, 0).
-    metalState->getOrCreateBlitCommandEncoder()->copyFromTexture(source, 0, 0, MTL::Origin(u(x), u(y), 0), MTL::Size(u(width), u(height), 1), buffer, 0,
-                                                                 u(width) * readFormat.bytesPerPixel, 0,
-                                                                 packed ? MTL::BlitOptionDepthFromDepthStencil : MTL::BlitOptionNone);
-    metalState->commandBufferWaitUntilCompleted();
-    if (temporary) {
-        temporary->setPurgeableState(MTL::PurgeableStateEmpty);
-        temporary->release();
+    {
+        Source source(texture, readFormat, x, y, width, height);
+        if (source.texture) {
+            MTL::PixelFormat format = source.texture->pixelFormat();
+            bool packed = format == MTL::PixelFormatDepth32Float_Stencil8 || format == MTL::PixelFormatDepth24Unorm_Stencil8;
+            // Kept on purpose: [converted-read-origin] a converted read keeps its origin, although the converted copy begins at (0, 0).
+            metalState->getOrCreateBlitCommandEncoder()->copyFromTexture(source.texture, 0, 0, MTL::Origin(u(x), u(y), 0), MTL::Size(u(width), u(height), 1), buffer,
+                                                                         0, u(width) * readFormat.bytesPerPixel, 0,
+                                                                         packed ? MTL::BlitOptionDepthFromDepthStencil : MTL::BlitOptionNone);
+        }
+        metalState->commandBufferWaitUntilCompleted();
+        if (source.texture) copyToClient(readFormat, static_cast<const uint8_t*>(buffer->contents()), bytes / readFormat.bytesPerPixel, pixels);
     }
-    copyToClient(readFormat, static_cast<const uint8_t*>(buffer->contents()), count, pixels);
     buffer->setPurgeableState(MTL::PurgeableStateEmpty);
     buffer->release();
 }
-
-/// Opens an autorelease pool for the length of an entry point that makes temporary objects.
-class ScopedPool
-{
-public:
-    ScopedPool() : _pool(NS::AutoreleasePool::alloc()->init()) {}
-    ~ScopedPool() { _pool->release(); }
-    ScopedPool(const ScopedPool&) = delete;
-    ScopedPool& operator=(const ScopedPool&) = delete;
-
-private:
-    NS::AutoreleasePool* _pool;
-};
 
 } // namespace
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // Chapters: image specification, sub-images.
+#include "ScopedPool.h"
 #include "ZALGLContextObjects.h"
 #include "ZALGLFunctionsTexture.h"
 #include "ZALMetalState.h"
@@ -92,12 +93,12 @@ NS::UInteger u(int32_t value) { return static_cast<NS::UInteger>(static_cast<int
 
 void uploadConverted(const ConversionPath& path, const Destination& d, const uint8_t* pixels)
 {
-    size_t rowBytes = static_cast<size_t>(d.width > 0 ? d.width : 0) * path.texelBytes;
+    size_t texels = d.width > 0 ? static_cast<size_t>(d.width) : 0, rowBytes = texels * path.texelBytes;
     auto* row = static_cast<uint8_t*>(std::malloc(rowBytes ? rowBytes : 1));
     for (int32_t k = 0; k < d.depth; ++k) {
         for (int32_t r = 0; r < d.height; ++r) {
             path.convert(pixels, row, d.width);
-            pixels += static_cast<size_t>(d.width) * path.clientBytes;
+            pixels += texels * path.clientBytes;
             d.texture->replaceRegion(MTL::Region(u(d.x), u(d.y + r), u(d.z + k), u(d.width), 1, 1), u(d.level), u(d.face), row, rowBytes, rowBytes * u(d.height));
         }
     }
@@ -117,6 +118,7 @@ void uploadDirect(const DirectPath& path, const Destination& d, const void* pixe
 /// Replaces a texture of one level by one with the whole chain, and keeps the first level's contents.
 void rebuildWithMipmaps(ZALMetalState* metalState, ZALGLTextureObject* texture)
 {
+    ScopedPool pool;
     MTL::Texture* old = texture->EnsureMetalTexture();
     if (old) old->retain();
     texture->Reset();
@@ -172,7 +174,7 @@ void ZALTexImage(GLenum target, int32_t level, uint32_t internalFormat, int32_t 
         texture->width = static_cast<uint32_t>(width);
         texture->height = static_cast<uint32_t>(height);
         texture->depth = static_cast<uint32_t>(depth);
-    } else if (texture->width == 0) {
+    } else if (level >= 0 && texture->width == 0) {
         return SetCurrentError(gl, GL_INVALID_OPERATION);
     }
     ZALMetalTexInitOrReplaceRegion(gl, GetCurrentMetalState(), texture, face, level, 0, 0, 0, width, height, depth, format, type, pixels);
