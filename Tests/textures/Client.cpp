@@ -21,17 +21,6 @@ float valueOf(const UploadRow& row, size_t component, uint32_t seed)
     return row.type == GL_UNSIGNED_BYTE ? n / 255.0f : n / 16.0f - 4.0f;
 }
 
-/// A client's pixel as red, green, blue and alpha.
-Rgba meant(const UploadRow& row, size_t i, uint32_t seed)
-{
-    uint32_t n = componentsOf(row.format);
-    float c[4] = {0, 0, 0, 1};
-    for (uint32_t k = 0; k < n; ++k) c[k] = valueOf(row, i * n + k, seed);
-    if (row.format == GL_BGR || row.format == GL_BGRA) std::swap(c[0], c[2]);
-    if (row.format == GL_ALPHA) return {0, 0, 0, c[0]};
-    return {c[0], c[1], c[2], c[3]};
-}
-
 } // namespace
 
 uint32_t componentsOf(GLenum format)
@@ -66,6 +55,16 @@ Bytes clientImage(const UploadRow& row, size_t pixels, uint32_t seed)
     }
     if (row.type == GL_HALF_FLOAT) return bytesOf(halves);
     return row.type == GL_FLOAT ? bytesOf(floats) : bytes;
+}
+
+Rgba meant(const UploadRow& row, size_t i, uint32_t seed)
+{
+    uint32_t n = componentsOf(row.format);
+    float c[4] = {0, 0, 0, 1};
+    for (uint32_t k = 0; k < n; ++k) c[k] = valueOf(row, i * n + k, seed);
+    if (row.format == GL_BGR || row.format == GL_BGRA) std::swap(c[0], c[2]);
+    if (row.format == GL_ALPHA) return {0, 0, 0, c[0]};
+    return {c[0], c[1], c[2], c[3]};
 }
 
 Rgba shown(const UploadRow& row, size_t i, uint32_t seed)

@@ -49,6 +49,10 @@ uint32_t bytesPerPixel(GLenum format, GLenum type);
 /// halves go from -4 to 12 in sixteenths.
 Bytes clientImage(const UploadRow& row, size_t pixels, uint32_t seed = 0);
 
+/// What that image's pixel number i means before any texture is involved: red, green, blue and alpha. It is also what
+/// the texture stores.
+Rgba meant(const UploadRow& row, size_t i, uint32_t seed = 0);
+
 /// What a draw shows of pixel number i of that image.
 Rgba shown(const UploadRow& row, size_t i, uint32_t seed = 0);
 
