@@ -34,6 +34,7 @@ inline constexpr std::array InternalFormatTable = {
     InternalFormatRow{GL_ALPHA8, MTL::PixelFormatA8Unorm, MTL::PixelFormatA8Unorm, Swizzle::Alpha, MTL::StorageModeManaged, 1},
     InternalFormatRow{GL_RGB, MTL::PixelFormatRGBA8Unorm, MTL::PixelFormatRGBA8Unorm, Swizzle::Opaque, MTL::StorageModeManaged, 1},
     InternalFormatRow{GL_RGB8, MTL::PixelFormatRGBA8Unorm, MTL::PixelFormatRGBA8Unorm, Swizzle::Opaque, MTL::StorageModeManaged, 1},
+    // Kept on purpose: [rgba-is-bgra] GL_RGBA is stored blue first, GL_RGB red first: GL_RGBA bytes are swapped on their way in.
     InternalFormatRow{GL_RGBA, MTL::PixelFormatBGRA8Unorm, MTL::PixelFormatBGRA8Unorm, Swizzle::Identity, MTL::StorageModeManaged, 1},
     InternalFormatRow{GL_RGBA8, MTL::PixelFormatBGRA8Unorm, MTL::PixelFormatBGRA8Unorm, Swizzle::Identity, MTL::StorageModeManaged, 1},
     InternalFormatRow{GL_LUMINANCE8, MTL::PixelFormatR8Unorm, MTL::PixelFormatR8Unorm, Swizzle::Luminance, MTL::StorageModeManaged, 1},

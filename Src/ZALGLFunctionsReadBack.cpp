@@ -82,6 +82,7 @@ MTL::Texture* converted(MTL::Texture* texture, MTL::PixelFormat format, int x, i
     return temporary;
 }
 
+// Kept on purpose: [pack-ignored] the client's rows follow one another without gaps, whatever glPixelStorei was told.
 void copyToClient(const ReadFormat& f, const uint8_t* from, uint64_t pixels, void* to)
 {
     if (f.copyBytes == 0) {
@@ -186,6 +187,7 @@ void glGetTexImage(GLenum target, GLint level, GLenum format, GLenum type, void*
     if (!readFormat.isDepth && readFormat.pixelFormat == metal->pixelFormat() && readFormat.copyBytes == 0) {
         metalState->getOrCreateBlitCommandEncoder()->synchronizeTexture(metal, u(face), u(level));
         metalState->commandBufferWaitUntilCompleted();
+        // Kept on purpose: [image-unswizzled] channels come as they are stored, which differs from what a draw sees of GL_RGB or GL_LUMINANCE8.
         NS::UInteger row = u(w) * readFormat.bytesPerPixel;
         metal->getBytes(pixels, row, u(h) * row, MTL::Region(0, 0, 0, u(w), u(h), u(d)), u(level), u(face));
         return;

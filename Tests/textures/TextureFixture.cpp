@@ -91,21 +91,38 @@ GLuint Textures::loadProgram(GLenum target, const std::string& text)
     return name;
 }
 
-void Textures::useProgram(GLenum textureTarget)
+void Textures::useVertexProgram()
 {
     if (!vertexProgram_) vertexProgram_ = loadProgram(GL_VERTEX_PROGRAM_ARB, VertexProgram);
+    glBindProgramARB(GL_VERTEX_PROGRAM_ARB, vertexProgram_);
+}
+
+void Textures::useProgram(GLenum textureTarget)
+{
+    useVertexProgram();
     GLuint& fragment = fragmentPrograms_[textureTarget];
     if (!fragment)
         fragment = loadProgram(GL_FRAGMENT_PROGRAM_ARB,
                                std::string("!!ARBfp1.0\nTEX result.color, fragment.texcoord[0], texture[0], ") +
                                    nameInPrograms(textureTarget) + ";\nEND\n");
-    glBindProgramARB(GL_VERTEX_PROGRAM_ARB, vertexProgram_);
     glBindProgramARB(GL_FRAGMENT_PROGRAM_ARB, fragment);
 }
 
 void Textures::drawQuad(GLenum textureTarget, const Corners& corners)
 {
     useProgram(textureTarget);
+    drawCorners(corners);
+}
+
+void Textures::drawQuadWith(const std::string& fragmentProgram)
+{
+    useVertexProgram();
+    loadProgram(GL_FRAGMENT_PROGRAM_ARB, fragmentProgram);
+    drawCorners(WholeImage);
+}
+
+void Textures::drawCorners(const Corners& corners)
+{
     glBegin(GL_TRIANGLE_STRIP);
     for (int i = 0; i < 4; ++i) {
         const Coordinate& c = corners[static_cast<size_t>(i)];

@@ -52,7 +52,11 @@ protected:
     void target(uint32_t width, uint32_t height, MTL::PixelFormat format = MTL::PixelFormatRGBA32Float);
     /// Fills the viewport with what the fragment program TEX of texture unit 0 gives.
     void drawQuad(GLenum textureTarget, const Corners& corners);
-    /// The same in the target's own size, read back: rows from the bottom.
+    /// The same with a fragment program of the test's own.
+    void drawQuadWith(const std::string& fragmentProgram);
+    /// The same with the programs that are bound.
+    void drawCorners(const Corners& corners);
+    /// As drawQuad, in a default framebuffer of that size, read back: rows from the bottom.
     std::vector<Rgba> drawn(GLenum textureTarget, const Corners& corners, uint32_t width, uint32_t height);
 
     /// The whole image of a level, as the client layout of that many bytes for each pixel.
@@ -66,6 +70,7 @@ protected:
     using Rules = std::vector<std::string>;
 
 private:
+    void useVertexProgram();
     void useProgram(GLenum textureTarget);
     GLuint loadProgram(GLenum target, const std::string& text);
 
