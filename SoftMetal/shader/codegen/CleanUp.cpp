@@ -6,6 +6,7 @@
 #include "shader/codegen/Codegen.h"
 
 #include <llvm/ADT/STLExtras.h>
+#include <llvm/IR/IRBuilder.h>
 #include <llvm/IR/InstIterator.h>
 #include <llvm/IR/Instructions.h>
 #include <llvm/Passes/PassBuilder.h>
@@ -59,31 +60,6 @@ SimplifyCFGOptions flattening()
     return SimplifyCFGOptions().convertSwitchRangeToICmp(true).hoistCommonInsts(false).sinkCommonInsts(false);
 }
 
-FunctionPassManager scalarPasses()
-{
-    FunctionPassManager passes;
-    passes.addPass(SROAPass(SROAOptions::ModifyCFG));
-    passes.addPass(EarlyCSEPass(true));
-    passes.addPass(InstCombinePass());
-    passes.addPass(SimplifyCFGPass(flattening()));
-    LoopPassManager loops;
-    loops.addPass(LoopRotatePass());
-    loops.addPass(IndVarSimplifyPass());
-    loops.addPass(LoopFullUnrollPass(2, true));
-    passes.addPass(createFunctionToLoopPassAdaptor(std::move(loops)));
-    passes.addPass(SROAPass(SROAOptions::ModifyCFG));
-    ScalarizerPassOptions whole;
-    whole.ScalarizeVariableInsertExtract = true;
-    whole.ScalarizeLoadStore = true;
-    passes.addPass(ScalarizerPass(whole));
-    passes.addPass(GVNPass());
-    passes.addPass(InstCombinePass());
-    passes.addPass(ADCEPass());
-    passes.addPass(SimplifyCFGPass(flattening()));
-    passes.addPass(DCEPass());
-    return passes;
-}
-
 /// Takes the results of texture accesses apart where they are made, so that no vector lives on in a phi.
 struct TakeApartPass : PassInfoMixin<TakeApartPass>
 {
@@ -97,12 +73,60 @@ struct TakeApartPass : PassInfoMixin<TakeApartPass>
 private:
     static void takeApart(Instruction& access)
     {
+        for (User* user : make_early_inc_range(access.users()))
+            if (auto* bits = dyn_cast<BitCastInst>(user)) takeBitsApart(access, *bits);
         for (User* user : make_early_inc_range(access.users())) {
             auto* element = dyn_cast<ExtractElementInst>(user);
             if (element && isa<ConstantInt>(element->getIndexOperand())) element->moveAfter(&access);
         }
     }
+
+    /// The bits of the whole, in as many or more elements, are those of its elements: textures of integers are read this way.
+    static void takeBitsApart(Instruction& access, BitCastInst& bits)
+    {
+        auto* to = dyn_cast<FixedVectorType>(bits.getType());
+        unsigned whole = cast<FixedVectorType>(access.getType())->getNumElements();
+        if (!to || !to->getElementType()->isIntegerTy() || to->getNumElements() % whole != 0) return;
+        unsigned parts = to->getNumElements() / whole, width = to->getScalarSizeInBits();
+        for (User* user : make_early_inc_range(bits.users())) {
+            auto* element = dyn_cast<ExtractElementInst>(user);
+            auto* index = element ? dyn_cast<ConstantInt>(element->getIndexOperand()) : nullptr;
+            if (!index) continue;
+            auto at = static_cast<unsigned>(index->getZExtValue());
+            IRBuilder<> b(element);
+            Value* number = b.CreateBitCast(b.CreateExtractElement(&access, at / parts), b.getIntNTy(width * parts));
+            element->replaceAllUsesWith(b.CreateTrunc(b.CreateLShr(number, uint64_t{at % parts} * width), element->getType()));
+            element->eraseFromParent();
+        }
+        if (bits.use_empty()) bits.eraseFromParent();
+    }
 };
+
+FunctionPassManager scalarPasses()
+{
+    FunctionPassManager passes;
+    passes.addPass(SROAPass(SROAOptions::ModifyCFG));
+    passes.addPass(EarlyCSEPass(true));
+    passes.addPass(InstCombinePass());
+    passes.addPass(SimplifyCFGPass(flattening()));
+    LoopPassManager loops;
+    loops.addPass(LoopRotatePass());
+    loops.addPass(IndVarSimplifyPass());
+    loops.addPass(LoopFullUnrollPass(2, true));
+    passes.addPass(createFunctionToLoopPassAdaptor(std::move(loops)));
+    passes.addPass(SROAPass(SROAOptions::ModifyCFG));
+    passes.addPass(TakeApartPass()); // before vectors that hold parts of them come into being
+    ScalarizerPassOptions whole;
+    whole.ScalarizeVariableInsertExtract = true;
+    whole.ScalarizeLoadStore = true;
+    passes.addPass(ScalarizerPass(whole));
+    passes.addPass(GVNPass());
+    passes.addPass(InstCombinePass());
+    passes.addPass(ADCEPass());
+    passes.addPass(SimplifyCFGPass(flattening()));
+    passes.addPass(DCEPass());
+    return passes;
+}
 
 /// The form that widening expects: one return, two-way branches, simple loops whose results leave through phis.
 FunctionPassManager shapePasses()

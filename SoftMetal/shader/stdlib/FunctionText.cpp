@@ -213,14 +213,15 @@ constexpr std::array IntegerFunctions = {
     IntegerFunction{"rhadd", 2, "(T)(((long)$1 + (long)$2 + 1) >> 1)", false},
     IntegerFunction{"absdiff", 2, "(T)($1 < $2 ? $2 - $1 : $1 - $2)", false},
     IntegerFunction{"popcount", 1, "(T)__builtin_popcount((uint)$1 & (uint)((1ul << (8 * sizeof(T))) - 1))", false},
-    IntegerFunction{"clz", 1, "(T)((uint)$1 == 0u ? 32 : __builtin_clz((uint)$1))", true},
-    IntegerFunction{"ctz", 1, "(T)((uint)$1 == 0u ? 32 : __builtin_ctz((uint)$1))", true},
-    IntegerFunction{"reverse_bits", 1, "(T)__builtin_bitreverse32((uint)$1)", true},
-    IntegerFunction{"mulhi", 2, "(T)(((softmetal_math::twice<T>::type)$1 * (softmetal_math::twice<T>::type)$2) >> 32)", true},
-    IntegerFunction{"madhi", 3, "(T)(mulhi($1, $2) + $3)", true},
+    IntegerFunction{"clz", 1, "(T)softmetal_math::leading_zeros((ulong)$1, (int)sizeof(T) * 8)", false},
+    IntegerFunction{"ctz", 1, "(T)softmetal_math::trailing_zeros((uint)$1, (int)sizeof(T) * 8)", false},
+    IntegerFunction{"reverse_bits", 1, "(T)(__builtin_bitreverse32((uint)$1) >> (32 - 8 * sizeof(T)))", false},
+    IntegerFunction{"mulhi", 2, "softmetal_math::high<T>($1, $2)", false},
+    IntegerFunction{"madhi", 3, "(T)(softmetal_math::high<T>($1, $2) + $3)", false},
+    IntegerFunction{"madsat", 3, "softmetal_math::madsat<T>($1, $2, $3)", false},
     IntegerFunction{"mul24", 2, "($1 * $2)", true},
     IntegerFunction{"mad24", 3, "($1 * $2 + $3)", true},
-    IntegerFunction{"rotate", 2, "(T)(((uint)$1 << ((uint)$2 & 31u)) | ((uint)$1 >> ((32u - (uint)$2) & 31u)))", true},
+    IntegerFunction{"rotate", 2, "softmetal_math::rotate<T>($1, $2)", false},
 };
 
 std::string integerFunctions()

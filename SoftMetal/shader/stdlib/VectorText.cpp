@@ -6,6 +6,7 @@
 #include <array>
 #include <set>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace softmetal::shader {
@@ -143,6 +144,35 @@ std::string vectorClass(int n)
            operators(n) + "};\n";
 }
 
+/// Vectors without padding: what they hold is read and written as it is, and arithmetic is that of the vector type.
+std::string packedClass(int n)
+{
+    std::string count = std::to_string(n), vector = "vec<T, " + count + ">", packed = "const packed_vec& ", other = "const " + vector + "& ";
+    std::string names, colors, values, copied, text;
+    for (int i = 0; i < n; ++i) {
+        std::string separator = i ? ", " : "", letter(1, Letters[static_cast<size_t>(i)]);
+        names += separator + letter;
+        colors += separator + Colors[static_cast<size_t>(i)];
+        values += separator + letter;
+        copied += separator + letter + "(softmetal_v." + letter + ")";
+    }
+    std::string constructed = constructors(n); // of the same parts as the vector's
+    for (size_t at = constructed.find("constexpr vec("); at != std::string::npos; at = constructed.find("constexpr vec(", at))
+        constructed.replace(at, 14, "constexpr packed_vec(");
+    text = "template <typename T> struct packed_vec<T, " + count + ">\n{\nunion { struct { T " + names + "; }; struct { T " + colors +
+           "; }; };\npacked_vec() = default;\nconstexpr packed_vec(" + other + "softmetal_v) : " + copied + " {}\n" + constructed +
+           "constexpr operator " + vector + "() const { return " + vector + "(" + values + "); }\n" +
+           "T& operator[](int i) { return (&x)[i]; }\nconst T& operator[](int i) const { return (&x)[i]; }\n" + members(n);
+    for (std::string op : {"+", "-", "*", "/"}) {
+        for (const auto& [left, right] : {std::pair(packed, packed), std::pair(packed, other), std::pair(other, packed)})
+            text += "friend constexpr " + vector + " operator" + op + "(" + left + "a, " + right + "b) { return " + vector + "(a) " + op + " " + vector + "(b); }\n";
+        text += "packed_vec& operator" + op + "=(" + other + "b) { return *this = " + vector + "(*this) " + op + " b; }\n";
+    }
+    for (std::string op : {"==", "!=", "<", ">", "<=", ">="})
+        text += "friend constexpr vec<bool, " + count + "> operator" + op + "(" + packed + "a, " + packed + "b) { return " + vector + "(a) " + op + " " + vector + "(b); }\n";
+    return text + "friend constexpr " + vector + " operator-(" + packed + "a) { return -" + vector + "(a); }\n};\n";
+}
+
 constexpr std::array Scalars = {"bool", "char", "uchar", "short", "ushort", "int", "uint", "half", "float", "long", "ulong"};
 
 } // namespace
@@ -151,6 +181,8 @@ std::string vectorText()
 {
     std::string text = "namespace softmetal_types {\ntemplate <typename T, int N> struct vec;\n";
     for (int n = 2; n <= 4; ++n) text += vectorClass(n);
+    text += "template <typename T, int N> struct packed_vec;\n";
+    for (int n = 2; n <= 4; ++n) text += packedClass(n);
     text += "}\n";
     std::string inside;
     for (std::string scalar : Scalars) {
@@ -163,13 +195,8 @@ std::string vectorText()
     }
     for (std::string scalar : {"float", "half", "int", "uint", "short", "ushort", "char", "uchar"}) {
         for (int n = 2; n <= 4; ++n) {
-            std::string name = scalar + std::to_string(n), packed = "packed_" + name, count = std::to_string(n), values;
-            for (int i = 0; i < n; ++i) values += std::string(i ? ", " : "") + Letters[static_cast<size_t>(i)];
-            text += "struct " + packed + " { " + scalar + " " + values + "; " + packed + "() = default; " + packed + "(const " + name +
-                    "& v)";
-            for (int i = 0; i < n; ++i) text += std::string(i ? ", " : " : ") + Letters[static_cast<size_t>(i)] + "(v." + Letters[static_cast<size_t>(i)] + ")";
-            text += " {} operator " + name + "() const { return " + name + "(" + values + "); } " + scalar +
-                    "& operator[](int i) { return (&x)[i]; } const " + scalar + "& operator[](int i) const { return (&x)[i]; } };\n";
+            std::string packed = "packed_" + scalar + std::to_string(n);
+            text += "typedef softmetal_types::packed_vec<" + scalar + ", " + std::to_string(n) + "> " + packed + ";\n";
             inside += "using ::" + packed + ";\n";
         }
     }

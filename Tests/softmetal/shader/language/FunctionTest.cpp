@@ -187,6 +187,15 @@ TEST_F(Functions, Integers)
         {"min3(i.x, i.y, i.z)", {-3}},
         {"popcount(ushort(0xff))", {8}},
         {"clz(ushort(1))", {15}},
+        {"ctz(uchar(0))", {8}},
+        {"clz(short(-1))", {0}},
+        {"rotate(uchar(0x81), uchar(1))", {3}},
+        {"reverse_bits(uchar(1))", {128}},
+        {"mulhi(short(16384), short(8))", {2}},
+        {"mulhi(-2, 5)", {-1}},
+        {"madsat(INT_MAX, i.x, 1) == INT_MAX", {1}},
+        {"madsat(0xffffffffu, 0xffffffffu, 1u) == UINT_MAX", {1}},
+        {"madhi(0x80000000u, 6u, 1u)", {4}},
     });
 }
 

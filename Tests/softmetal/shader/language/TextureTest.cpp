@@ -89,11 +89,25 @@ TEST_F(Textures, TwoDimensional)
                       {"t.sample(s, float2(0.3, 0.6), level(1))", {1, 1, 0, 1}},
                       {"t.sample(s, float2(0.3, 0.6), level(0), int2(1, -1))", {3, 1, 0, 0}},
                       {"t.sample(s, float2(0.3, 0.6), int2(2, 0))", {4, 2, 0, 0}},
-                      {"t.sample(s, float2(0.1), bias(2.0)).w", {2}},
                       {"t.sample(s, float2(0.1), gradient2d(float2(0.25, 0), float2(0))).w", {1}},
                       {"t.sample(s, float2(0.1), min_lod_clamp(2)).w", {2}},
                       {"t.sample(s, float2(0.1), level(5)).w", {3}},
                   });
+}
+
+TEST_F(Textures, LevelFollowsTheDerivativesAndABias)
+{
+    const std::string source = std::string(Numbers) + R"(
+constexpr sampler s(mip_filter::nearest);
+fragment float4 out(Corner c [[stage_in]], texture2d<float> t [[texture(0)]])
+{
+    float2 at = c.position.xy / 4; // two texels a pixel
+    return float4(t.sample(s, at).w, t.sample(s, at, bias(1)).w, t.sample(s, at, bias(-1)).w, t.sample(s, at * 2, bias(0)).w);
+}
+)";
+    auto* t = numbered({MTL::TextureType2D, 8, 8, 1, 1, 4});
+    auto values = draw(pipelineOf(compiled(source), "corner", "out"), 4, 4, [&](auto* e) { e->setFragmentTexture(t, 0); });
+    EXPECT_EQ(values[5], (Value{1, 2, 0, 2}));
 }
 
 TEST_F(Textures, TwoDimensionalArray)
@@ -223,10 +237,11 @@ sampler local() { constexpr sampler s(coord::normalized, address::repeat, filter
 TEST_F(Textures, AreHandedToFunctionsAndHeldInArrays)
 {
     auto* t = plane();
-    expectValues({{"taken(t[0], s)", {2, 2, 0, 0}}, {"both(t, s)", {4, 4, 0, 0}}, {"t[1].get_width()", {4}}},
+    expectValues({{"taken(t[0], s)", {2, 2, 0, 0}}, {"both(t, s)", {4, 4, 0, 0}}, {"picked(t, s, n.i.w - 4)", {2, 2, 0, 0}}, {"t[n.i.w - 4].get_height()", {4}}, {"t[1].get_width()", {4}}},
                  R"(
 float4 taken(texture2d<float> a, sampler b) { return a.sample(b, float2(0.6)); }
 float4 both(array<texture2d<float>, 2> a, sampler b) { float4 r = 0; for (int k = 0; k < 2; ++k) r += a[k].sample(b, float2(0.6)); return r; }
+float4 picked(array<texture2d<float>, 2> a, sampler b, int which) { return a[which].sample(b, float2(0.6)); }
 )",
                  0, ", array<texture2d<float>, 2> t [[texture(0)]], sampler s [[sampler(0)]]", [&](auto* e) {
                      e->setFragmentTexture(t, 0);
