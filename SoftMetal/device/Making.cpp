@@ -4,6 +4,7 @@
 #include "execution/QueueThread.h"
 #include "foundation/Strings.h"
 #include "inspect/Inspect.h"
+#include "inspect/ShaderFaults.h"
 #include "shader/Loader.h"
 #include "texturing/Sampling.h"
 
@@ -39,6 +40,8 @@ shader::Compiler* compiler(std::string& error)
     static const abi::RuntimeTable runtime = [] {
         abi::RuntimeTable table = texturing::runtimeTable();
         table.loopLimitReached = noteShaderLimit;
+        table.outside = inspect::noteOutsideBuffers;
+        texturing::setOutsideTexelHandler(inspect::noteOutsideTexture);
         return table;
     }();
     return shader::openCompiler(runtime, laneCount(), error);

@@ -224,7 +224,7 @@ void MTL::RenderCommandEncoder::drawIndexedPrimitives(PrimitiveType type, NS::UI
     if (!e || !countable({count, instances, baseInstance}, "drawIndexedPrimitives") || !require(indices != nullptr, Rule::DrawNoIndices, *e)) return;
     uint64_t size = indexType == IndexTypeUInt16 ? 2 : 4, available = offset <= indices->length ? indices->length - offset : 0;
     require(count * size <= available, Rule::DrawIndexRange, count, offset, *indices, indices->length);
-    require(offset % size == 0, Rule::DrawIndexAlignment, offset, size);
+    if (!require(offset % size == 0, Rule::DrawIndexAlignment, offset, size)) offset -= offset % size;
     require(!indices->mayBeDiscarded(), Rule::BindPurged, "drawIndexedPrimitives", *indices, indices->purgeableState());
     raster::DrawCall call;
     call.primitive = static_cast<uint8_t>(std::min<NS::UInteger>(type, 255));

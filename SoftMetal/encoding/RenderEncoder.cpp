@@ -16,11 +16,33 @@ using inspect::Rule;
 
 namespace {
 
-const abi::Resources* snapshotOf(StageBindings& stage, Arena& arena)
+/// Whether the function was given fewer bytes than its parameter has.
+bool isShort(const shader::BindingReflection& b, const abi::Resources& table)
 {
-    if (!stage.snapshot) {
+    return b.used && b.kind == shader::BindingKind::Buffer && b.index < abi::MaxBuffers && table.bufferLengths[b.index] < b.minimumSize;
+}
+
+/// The rest of a buffer that is too short reads as zeros: functions do not ask within their parameter's size.
+void lengthen(const shader::BindingReflection& b, abi::Resources& table, Arena& arena)
+{
+    auto* longer = static_cast<uint8_t*>(arena.allocate(b.minimumSize));
+    uint64_t length = table.bufferLengths[b.index];
+    std::memcpy(longer, table.buffers[b.index], length);
+    std::memset(longer + length, 0, b.minimumSize - length);
+    table.buffers[b.index] = longer;
+    table.bufferLengths[b.index] = b.minimumSize;
+}
+
+const abi::Resources* snapshotOf(StageBindings& stage, const RenderEncoderObject& encoder, const shader::Function* function, Arena& arena)
+{
+    static const std::vector<shader::BindingReflection> nothing;
+    const auto& bindings = function ? function->reflection().bindings : nothing;
+    bool anyShort = encoder.mustCheck && std::any_of(bindings.begin(), bindings.end(), [&](const auto& b) { return isShort(b, stage.table); });
+    if (!stage.snapshot || anyShort) {
         auto* copy = static_cast<abi::Resources*>(arena.allocate(sizeof(abi::Resources)));
         *copy = stage.table;
+        for (const auto& b : bindings)
+            if (isShort(b, *copy)) lengthen(b, *copy, arena);
         stage.snapshot = copy;
     }
     return stage.snapshot;
@@ -193,11 +215,11 @@ void RenderEncoderObject::draw(const raster::DrawCall& call, const char* name)
     if (inspect::validating()) {
         if (mustCheck) checkState(name);
         checkVertexRange(call, name);
-        mustCheck = false;
     }
     CommandStorage& storage = *commands->storage;
-    state.vertexResources = snapshotOf(vertex, storage.arena);
-    state.fragmentResources = snapshotOf(fragment, storage.arena);
+    state.vertexResources = snapshotOf(vertex, *this, pipeline->vertexFunction.get(), storage.arena);
+    state.fragmentResources = snapshotOf(fragment, *this, pipeline->fragmentFunction.get(), storage.arena);
+    mustCheck = false;
     storage.draws.push_back({state, call});
 }
 

@@ -2,6 +2,8 @@
 #include "execution/QueueThread.h"
 
 #include "execution/Limits.h"
+#include "inspect/Inspect.h"
+#include "inspect/ShaderFaults.h"
 
 #include <algorithm>
 #include <atomic>
@@ -48,15 +50,32 @@ std::mutex& turn()
     return *mutex;
 }
 
+/// Tells what shaders reached for outside the memory that they were given.
+void reportShaderFaults(const CommandBufferObject& commands)
+{
+    using inspect::require;
+    using inspect::Rule;
+    const inspect::ShaderFaults faults = inspect::takeShaderFaults();
+    for (int stage = 0; stage < 2; ++stage) {
+        const char* name = stage == 0 ? "vertex" : "fragment";
+        require(!(faults.buffers[stage] & abi::OutsideTable), Rule::ShaderTableRange, commands, name);
+        for (uint32_t i = 0; i < abi::MaxBuffers; ++i) require(!(faults.buffers[stage] >> i & 1), Rule::ShaderBufferRange, commands, name, i);
+    }
+    require(!faults.texels, Rule::ShaderTexelRange, commands);
+    for (uint32_t i = 0; i < abi::MaxVertexAttributes; ++i) require(!(faults.vertexAttributes >> i & 1), Rule::DrawVertexFetch, commands, i);
+}
+
 /// Why the work failed, empty when it did not.
-std::string runRecords(const CommandStorage& storage)
+std::string runRecords(const CommandBufferObject& commands)
 {
     bool stopped = false;
+    const CommandStorage& storage = *commands.storage;
     for (const Record& record : storage.records) {
         std::lock_guard lock(turn());
         limitReached = false;
         execute(record, storage);
         stopped |= limitReached.exchange(false);
+        reportShaderFaults(commands);
     }
     return stopped ? "a shader ran past the limit of loop iterations and was stopped" : std::string();
 }
@@ -84,7 +103,7 @@ void runCommandBuffer(CommandBufferObject& commands, bool discards)
     if (double wait = delay.load(std::memory_order_relaxed); wait > 0) std::this_thread::sleep_for(std::chrono::duration<double, std::milli>(wait));
     commands.start();
     std::string failure = commands.mustFail ? "the command buffer was made to fail (injected fault)" : std::string();
-    if (failure.empty() && !discards) failure = runRecords(*commands.storage);
+    if (failure.empty() && !discards) failure = runRecords(commands);
     for (Presentable* drawable : commands.storage->presents)
         if (drawable) drawable->presentNow();
     commands.complete(failure);

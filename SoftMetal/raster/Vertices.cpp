@@ -2,6 +2,7 @@
 #include "raster/Vertices.h"
 
 #include "formats/VertexFormat.h"
+#include "inspect/ShaderFaults.h"
 #include "raster/Primitives.h"
 #include "workers/Pool.h"
 
@@ -14,7 +15,7 @@
 namespace softmetal::raster {
 namespace {
 
-constexpr uint8_t Index16 = 0, LineStrip = 2, TriangleStrip = 4;
+constexpr uint8_t Index16 = 0, LineStrip = 2, TriangleStrip = 4, PerVertex = 1;
 constexpr size_t BatchesATask = 8;
 
 uint32_t indexAt(const DrawCall& call, uint64_t i)
@@ -65,9 +66,10 @@ struct Fetch
     uint8_t step;
     uint32_t rate;
     bool asFloat;
+    bool checked; // vertices behind indices: what an encoder cannot know
 };
 
-std::vector<Fetch> fetches(const DrawState& state)
+std::vector<Fetch> fetches(const DrawState& state, bool indexed)
 {
     std::vector<Fetch> result;
     const Pipeline& pipeline = *state.pipeline;
@@ -81,7 +83,7 @@ std::vector<Fetch> fetches(const DrawState& state)
         bool there = data && attribute.format != 0 && attribute.offset <= bytes;
         result.push_back({a, formats::vertexFormatInfo(attribute.format), there ? data + attribute.offset : nullptr,
                           there ? bytes - attribute.offset : 0, layout.stride, layout.stepFunction, std::max(layout.stepRate, 1u),
-                          (pipeline.floatAttributes >> a & 1) != 0});
+                          (pipeline.floatAttributes >> a & 1) != 0, indexed && layout.stepFunction == PerVertex && bytes > 0});
     }
     return result;
 }
@@ -91,6 +93,7 @@ void fetchLane(const Fetch& f, uint64_t element, uint32_t lane, abi::Lanes* attr
     uint32_t words[4] = {0, 0, 0, 0};
     uint64_t at = element * f.stride, size = f.format.bytes();
     if (f.data && size > 0 && at + size <= f.bytes) formats::fetch(f.format, f.data + at, f.asFloat, words);
+    else if (f.checked) inspect::noteOutsideVertices(f.attribute);
     for (uint32_t c = 0; c < 4; ++c) attributes[f.attribute * 4 + c].u[lane] = words[c];
 }
 
@@ -114,7 +117,7 @@ void shadeBatch(const DrawState& state, const std::vector<Fetch>& plan, const Ve
         batch.input.vertexId.u[lane] = id;
         batch.input.instanceId.u[lane] = instance;
         for (const Fetch& f : plan) {
-            uint64_t element = f.step == 1 ? id : f.step == 2 ? call.baseInstance + (instance - call.baseInstance) / f.rate : 0;
+            uint64_t element = f.step == PerVertex ? id : f.step == 2 ? call.baseInstance + (instance - call.baseInstance) / f.rate : 0;
             fetchLane(f, element, lane, batch.attributes.data());
         }
     }
@@ -154,7 +157,7 @@ ShadedVertices shade(const DrawState& state, const DrawCall& call, const VertexL
     ShadedVertices out;
     out.stride = state.pipeline->outputComponents;
     out.values.resize(list.ids.size() * out.stride);
-    std::vector<Fetch> plan = fetches(state);
+    std::vector<Fetch> plan = fetches(state, call.indices != nullptr);
     size_t step = lanes() * BatchesATask, tasks = (list.ids.size() + step - 1) / step;
     workers::parallelFor(tasks, [&](size_t task) {
         static thread_local auto batch = std::make_unique<Batch>();

@@ -31,7 +31,7 @@ inline constexpr std::string_view StoreStencil = "softmetal_store_stencil";     
 inline constexpr std::string_view StoreCoverage = "softmetal_store_coverage";   // void (i32)
 
 // ---- resources, all U ----
-inline constexpr std::string_view Buffer = "softmetal_buffer";                  // ptr (i32 index)
+inline constexpr std::string_view Buffer = "softmetal_buffer";                  // ptr (i32 index), or (i32 index, i64 bytes that it has at least)
 inline constexpr std::string_view Texture = "softmetal_texture";                // ptr (i32 index): abi::Texture
 inline constexpr std::string_view Sampler = "softmetal_sampler";                // ptr (i32 index): abi::Sampler
 

@@ -12,7 +12,7 @@
 
 namespace softmetal::abi {
 
-inline constexpr uint32_t Version = 1; // raised whenever a layout below changes
+inline constexpr uint32_t Version = 2; // raised whenever a layout below changes
 
 inline constexpr uint32_t MaxLanes = 16;
 inline constexpr uint32_t MaxBuffers = 31;
@@ -99,6 +99,7 @@ struct SampleCall
 struct ReadCall
 {
     uint32_t mask;
+    uint32_t counting;   // lanes that are neither helpers nor discarded: what they read outside is worth a message
     Lanes coordinate[3]; // unsigned
     Lanes layer, level;  // unsigned
     Lanes result[4];
@@ -174,6 +175,8 @@ struct FragmentOutput
 
 using FragmentFunction = void (*)(const FragmentInput*, FragmentOutput*, const Resources*);
 
+inline constexpr uint64_t OutsideTable = uint64_t{1} << 63;
+
 // ---- what generated code calls -------------------------------------------------------------------------------------
 
 /// Handed to the compiler when it is opened; generated code calls these for whole batches.
@@ -186,6 +189,8 @@ struct RuntimeTable
     void (*gather)(const Texture*, const Sampler*, SampleCall*, uint32_t component);
     void (*read)(const Texture*, ReadCall*);
     void (*loopLimitReached)(); // a shader ran past the iteration limit
+    /// A shader read or wrote outside the buffers whose bits are set (OutsideTable: a table of its own), once for a batch.
+    void (*outside)(uint64_t buffers, uint32_t stage); // 0 vertex, 1 fragment
 };
 
 } // namespace softmetal::abi

@@ -410,23 +410,32 @@ void gather(const Texture* texture, const Sampler* sampler, SampleCall* call, ui
     }
 }
 
+void (*outsideTexel)() = nullptr;
+
 void read(const Texture* texture, abi::ReadCall* call)
 {
+    bool outside = false;
     bool there = texture && texture->sampling && static_cast<const Access*>(texture->sampling)->format;
     for (uint32_t i = 0; i < MaxLanes; ++i) {
         if (!(call->mask >> i & 1)) continue;
         Texel value{};
+        bool inside = false;
         uint32_t level = call->level.u[i], x = call->coordinate[0].u[i], y = call->coordinate[1].u[i], z = call->coordinate[2].u[i], layer = call->layer.u[i];
         if (there && level < texture->levelCount) {
             const TextureLevel& image = texture->levels[level];
             uint32_t layers = std::max(texture->arrayLength, 1u) * (static_cast<const Access*>(texture->sampling)->cube ? 6 : 1);
-            if (x < image.width && y < image.height && z < image.depth && layer < layers) value = texelAt(*texture, image, x, y, z, layer);
+            inside = x < image.width && y < image.height && z < image.depth && layer < layers;
+            if (inside) value = texelAt(*texture, image, x, y, z, layer);
         }
+        outside |= there && !inside && (call->counting >> i & 1);
         for (int c = 0; c < 4; ++c) call->result[c].f[i] = value.c[c];
     }
+    if (outside && outsideTexel) outsideTexel();
 }
 
 } // namespace
+
+void setOutsideTexelHandler(void (*handler)()) { outsideTexel = handler; }
 
 bool kernelReads(uint32_t format)
 {

@@ -11,4 +11,7 @@ void prepareTexture(abi::Texture& texture);
 /// What generated code calls; loopLimitReached is left for the caller to fill.
 abi::RuntimeTable runtimeTable();
 
+/// Told when texture.read() was asked for a texel that its texture does not have. Set once, before the first read.
+void setOutsideTexelHandler(void (*handler)());
+
 } // namespace softmetal::texturing

@@ -11,6 +11,8 @@
 namespace softmetal::shader {
 namespace {
 
+constexpr uint64_t MostBufferBytes = uint64_t{1} << 28;
+
 enum Place : uint8_t { VertexIn = 1, VertexOut = 2, FragmentIn = 4, FragmentOut = 8 };
 enum class Needs : uint8_t { Real, Integer, Bool, Anything };
 
@@ -179,6 +181,7 @@ private:
             if (!reference) error(declaration, "a buffer parameter must be a pointer or a reference");
             else if (clang::QualType target = type->getPointeeType(); !target->isIncompleteType())
                 value.minimumSize = static_cast<uint64_t>(context_.getTypeSizeInChars(target).getQuantity());
+            if (value.minimumSize > MostBufferBytes) error(declaration, "buffer parameter '%0' is larger than a buffer can be", declaration->getName());
         } else if (const TextureKind* kind = textureKind(element)) {
             value.role = Role::Texture;
             value.textureType = kind->type;

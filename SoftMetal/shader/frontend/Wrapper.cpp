@@ -73,7 +73,7 @@ private:
     llvm::Value* argument(const Parameter& parameter, llvm::Type* type)
     {
         const Value* only = parameter.record ? nullptr : &parameter.values[0];
-        if (only && only->role == Role::Buffer) return call(intrinsic::Buffer, b_.getPtrTy(), {constant(only->index)});
+        if (only && only->role == Role::Buffer) return call(intrinsic::Buffer, b_.getPtrTy(), {constant(only->index), b_.getInt64(only->minimumSize)});
         llvm::Value* slot = memory(parameter.size);
         b_.CreateMemSet(slot, b_.getInt8(0), parameter.size, llvm::Align(16));
         for (const Value& value : parameter.values)

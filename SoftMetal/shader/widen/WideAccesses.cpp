@@ -39,14 +39,6 @@ Value* Widener::resource(StringRef name, CallInst& call)
     return nullptr;
 }
 
-/// A pointer to a texture or sampler, which must be one for all lanes.
-Value* Widener::chosen(const Value* pointer, const char* what)
-{
-    if (!divergent(pointer)) return kept(pointer);
-    fail(Twine("a ") + what + " chosen per lane is not supported");
-    return Constant::getNullValue(b.getPtrTy());
-}
-
 Value* Widener::constantSampler(CallInst& call)
 {
     std::array<uint64_t, 3> words;
@@ -56,8 +48,10 @@ Value* Widener::constantSampler(CallInst& call)
         words[i] = word ? word->getZExtValue() : 0;
     }
     static_assert(sizeof(abi::Sampler) == sizeof words);
+    GlobalVariable*& written = writtenSamplers_[words]; // one address for each, so that they can be told apart
     Constant* contents = ConstantDataArray::get(context_, words);
-    return new GlobalVariable(module_, contents->getType(), true, GlobalValue::InternalLinkage, contents);
+    if (!written) written = new GlobalVariable(module_, contents->getType(), true, GlobalValue::InternalLinkage, contents);
+    return written;
 }
 
 /// Size of a level, at least one; zero for a texture that is not bound.
@@ -69,15 +63,22 @@ Value* Widener::textureSize(CallInst& call)
     constexpr uint64_t HeadBytes = 64;
     static_assert(*std::max_element(Offsets.begin(), Offsets.end()) + sizeof(uint32_t) <= HeadBytes);
     uint64_t what = number(call, 1, Offsets.size());
-    Value* texture = chosen(call.getArgOperand(0), "texture");
+    bool wide = divergent(&call);
+    auto operand = [&](Value* value) { return wide ? vector(value) : uniform(value); };
+    auto spread = [&](Value* value) { return wide ? b.CreateVectorSplat(lanes_, value) : value; };
     auto* zeros = ArrayType::get(b.getInt8Ty(), HeadBytes);
-    Value* nothing = new GlobalVariable(module_, zeros, true, GlobalValue::InternalLinkage, Constant::getNullValue(zeros));
-    Value* missing = b.CreateIsNull(texture);
-    Value* size = given(b.getInt32Ty(), b.CreateSelect(missing, nothing, texture), Offsets[what]);
-    if (what > 2) return size;
-    Value* level = b.CreateAnd(uniform(call.getArgOperand(2)), b.getInt32(31));
-    Value* shifted = b.CreateBinaryIntrinsic(Intrinsic::umax, b.CreateLShr(size, level), b.getInt32(1));
-    return b.CreateSelect(missing, b.getInt32(0), shifted);
+    Value* result = spread(b.getInt32(0));
+    Value* texture = operand(call.getArgOperand(0));
+    Value* level = b.CreateAnd(operand(call.getArgOperand(2)), spread(b.getInt32(31)));
+    for (CallInst* bound : callsOf(intrinsic::Texture)) { // whatever else the pointer may be has no size
+        Value* known = resource(bound->getCalledFunction()->getName(), *bound);
+        Value* missing = b.CreateIsNull(known);
+        Value* size = spread(given(b.getInt32Ty(), b.CreateSelect(missing, zerosOf(zeros), known), Offsets[what]));
+        if (what <= 2) size = b.CreateBinaryIntrinsic(Intrinsic::umax, b.CreateLShr(size, level), spread(b.getInt32(1)));
+        Value* meant = b.CreateAnd(b.CreateICmpEQ(texture, spread(known)), spread(b.CreateNot(missing)));
+        result = b.CreateSelect(meant, size, result);
+    }
+    return result;
 }
 
 // ---- texture accesses ----------------------------------------------------------------------------------------------------
@@ -95,11 +96,22 @@ bool Widener::access(StringRef name, CallInst& call)
     else if (is(name, intrinsic::Gather)) function = reinterpret_cast<void*>(runtime.gather);
     else return false;
     if (!sampleCall_) sampleCall_ = accessPlace(sizeof(abi::SampleCall), offsetof(abi::SampleCall, result));
-    std::vector<Value*> arguments = {chosen(call.getArgOperand(TextureArgument), "texture"), chosen(call.getArgOperand(SamplerArgument), "sampler"), sampleCall_};
+    std::vector<Value*> extra;
     fillSample(call, sampleCall_);
     if (is(name, intrinsic::SampleCompare)) storeLanes(sampleCall_, offsetof(abi::SampleCall, compare), vector(call.getArgOperand(ExtraArgument)));
-    if (is(name, intrinsic::Gather)) arguments.push_back(b.getInt32(static_cast<uint32_t>(number(call, ExtraArgument, 4))));
-    callRuntime(function, arguments);
+    if (is(name, intrinsic::Gather)) extra.push_back(b.getInt32(static_cast<uint32_t>(number(call, ExtraArgument, 4))));
+    emptyResults(at(sampleCall_, offsetof(abi::SampleCall, result)));
+    const Value *texture = call.getArgOperand(TextureArgument), *sampler = call.getArgOperand(SamplerArgument);
+    kept(texture);
+    kept(sampler); // known here, not only on the way to one of the textures
+    forEachHandle(texture, HandleKind::Texture, mask_, [&](Value* image, Value* ofImage) {
+        forEachHandle(sampler, HandleKind::Sampler, ofImage, [&](Value* state, Value* lanes) {
+            b.CreateStore(maskAsInteger(lanes), at(sampleCall_, offsetof(abi::SampleCall, mask)));
+            std::vector<Value*> arguments = {image, state, sampleCall_};
+            arguments.insert(arguments.end(), extra.begin(), extra.end());
+            callRuntime(function, arguments);
+        });
+    });
     accessResults(call, at(sampleCall_, offsetof(abi::SampleCall, result)));
     return true;
 }
@@ -109,7 +121,6 @@ void Widener::fillSample(CallInst& call, Value* place)
     auto word = [&](Value* value, uint64_t offset) { b.CreateStore(value, at(place, offset)); };
     auto lanes = [&](unsigned argument, uint64_t offset) { storeLanes(place, offset, vector(call.getArgOperand(argument))); };
     auto mode = static_cast<abi::LodMode>(number(call, ModeArgument, 4));
-    word(maskAsInteger(), offsetof(abi::SampleCall, mask));
     word(b.getInt32(static_cast<uint32_t>(mode)), offsetof(abi::SampleCall, lodMode));
     word(b.getInt32(options_.stage == Stage::Fragment), offsetof(abi::SampleCall, stage));
     for (unsigned i = 0; i < 3; ++i) word(uniform(call.getArgOperand(OffsetArgument + i)), offsetof(abi::SampleCall, offset) + i * sizeof(int32_t));
@@ -129,11 +140,15 @@ void Widener::read(CallInst& call)
 {
     if (!readCall_) readCall_ = accessPlace(sizeof(abi::ReadCall), offsetof(abi::ReadCall, result));
     auto lanes = [&](unsigned argument, uint64_t offset) { storeLanes(readCall_, offset, vector(call.getArgOperand(argument))); };
-    b.CreateStore(maskAsInteger(), at(readCall_, offsetof(abi::ReadCall, mask)));
+    b.CreateStore(maskAsInteger(effectMask()), at(readCall_, offsetof(abi::ReadCall, counting)));
     for (unsigned i = 0; i < 3; ++i) lanes(1 + i, offsetof(abi::ReadCall, coordinate) + i * LaneBytes);
     lanes(4, offsetof(abi::ReadCall, layer));
     lanes(5, offsetof(abi::ReadCall, level));
-    callRuntime(reinterpret_cast<void*>(options_.runtime->read), {chosen(call.getArgOperand(0), "texture"), readCall_});
+    emptyResults(at(readCall_, offsetof(abi::ReadCall, result)));
+    forEachHandle(call.getArgOperand(0), HandleKind::Texture, mask_, [&](Value* image, Value* ofImage) {
+        b.CreateStore(maskAsInteger(ofImage), at(readCall_, offsetof(abi::ReadCall, mask)));
+        callRuntime(reinterpret_cast<void*>(options_.runtime->read), {image, readCall_});
+    });
     accessResults(call, at(readCall_, offsetof(abi::ReadCall, result)));
 }
 
@@ -147,6 +162,12 @@ AllocaInst* Widener::accessPlace(uint64_t size, uint64_t results)
     for (uint64_t component = 0; component < 4; ++component)
         entry.CreateAlignedStore(zeros, entry.CreateConstInBoundsGEP1_64(b.getInt8Ty(), place, results + component * LaneBytes), Align(4));
     return place;
+}
+
+/// Lanes whose texture is none of those bound find zeros.
+void Widener::emptyResults(Value* where)
+{
+    for (uint64_t component = 0; component < 4; ++component) storeLanes(where, component * LaneBytes, Constant::getNullValue(wideType(b.getFloatTy())));
 }
 
 /// The four components of an access wait in slots for the instructions that pick them.

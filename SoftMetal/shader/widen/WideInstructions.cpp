@@ -12,7 +12,7 @@ namespace {
 /// What may be copied as it is when all its operands are the same in every lane.
 bool isPlain(const Instruction& i)
 {
-    return i.isBinaryOp() || i.isUnaryOp() || isa<CmpInst, SelectInst, GetElementPtrInst, LoadInst, FreezeInst, CastInst>(i);
+    return i.isBinaryOp() || i.isUnaryOp() || isa<CmpInst, SelectInst, GetElementPtrInst, FreezeInst, CastInst>(i);
 }
 
 } // namespace
@@ -35,12 +35,16 @@ void Widener::emit(Instruction& instruction)
 
 void Widener::emitUniform(Instruction& instruction)
 {
+    if (auto* load = dyn_cast<LoadInst>(&instruction)) {
+        const Value* pointer = load->getPointerOperand();
+        if (load->getType()->isPointerTy()) checkPointerSource(pointer);
+        return define(load, loadUniform(pointer, uniform(pointer), load->getType(), load->getAlign()));
+    }
     if (!isPlain(instruction)) return fail("instruction '" + Twine(instruction.getOpcodeName()) + "' is not supported");
     Instruction* copy = instruction.clone();
     for (unsigned i = 0; i < copy->getNumOperands(); ++i) copy->setOperand(i, uniform(instruction.getOperand(i)));
     copy->dropUnknownNonDebugMetadata(); // its statements held for the scalar function
     copy->setDebugLoc({});
-    if (isa<LoadInst>(copy) && !writesBuffers_) copy->setMetadata(LLVMContext::MD_invariant_load, MDNode::get(context_, {}));
     define(&instruction, b.Insert(copy));
 }
 

@@ -4,6 +4,7 @@
 // the scalar program does; only an access turns them into a place. Places are kept inside the block, whatever the index.
 #include "shader/widen/Widener.h"
 
+#include <llvm/Analysis/ValueTracking.h>
 
 namespace softmetal::shader {
 
@@ -135,14 +136,23 @@ Value* Widener::effectMask()
     return b.CreateAnd(b.CreateAnd(mask_, covered), b.CreateNot(b.CreateLoad(maskType_, killed_)));
 }
 
+/// An address that stands in a buffer is a number that anyone may have put there.
+void Widener::checkPointerSource(const Value* pointer)
+{
+    SmallVector<const Value*, 4> objects;
+    getUnderlyingObjects(pointer, objects, nullptr, 0);
+    for (const Value* object : objects)
+        if (!isa<GlobalVariable>(object)) return fail("a pointer is read from a buffer");
+}
+
 Value* Widener::load(LoadInst& instruction)
 {
     Value* pointer = instruction.getPointerOperand();
     Memory memory = memoryOf(pointer);
     if (memory == Memory::Mixed) fail("a pointer leads into private memory or elsewhere");
     if (memory == Memory::Private) return loadPrivate(instruction);
-    Type* type = wideType(instruction.getType());
-    return b.CreateMaskedGather(type, vector(pointer), instruction.getAlign(), mask_, Constant::getNullValue(type));
+    if (instruction.getType()->isPointerTy()) checkPointerSource(pointer);
+    return loadLanes(pointer, vector(pointer), instruction.getType(), instruction.getAlign());
 }
 
 void Widener::store(StoreInst& instruction)
@@ -153,7 +163,7 @@ void Widener::store(StoreInst& instruction)
     if (value->getType()->isPointerTy() && memoryOf(value) != Memory::Bound) return fail("the address of private memory is stored");
     if (memory == Memory::Mixed) return fail("a pointer leads into private memory or elsewhere");
     if (memory == Memory::Private) return storePrivate(vector(value), kept(pointer), instruction.getAlign());
-    b.CreateMaskedScatter(vector(value), vector(pointer), instruction.getAlign(), effectMask());
+    storeToLanes(pointer, vector(pointer), vector(value), instruction.getAlign());
 }
 
 // ---- copies --------------------------------------------------------------------------------------------------------------
@@ -172,9 +182,10 @@ Value* Widener::sourceBytes(MemIntrinsic& call, uint64_t offset, uint64_t piece)
         Value* start = privateOffset(kept(source), length);
         return loadPieces(b.CreateAdd(start, ConstantInt::get(start->getType(), offset)), piece, piece);
     }
+    uint64_t reach = cast<ConstantInt>(call.getLength())->getZExtValue();
     Value* place = b.CreateGEP(b.getInt8Ty(), kept(source), b.getInt64(offset));
-    if (!divergent(source)) return b.CreateVectorSplat(lanes_, b.CreateAlignedLoad(part, place, Align(1)));
-    return b.CreateMaskedGather(wideType(part), place, Align(1), mask_, Constant::getNullValue(wideType(part)));
+    if (!divergent(source)) return b.CreateVectorSplat(lanes_, loadUniform(source, place, part, Align(1), reach));
+    return loadLanes(source, place, part, Align(1), reach);
 }
 
 /// memcpy, memmove and memset. Everything is read before anything is written.
@@ -197,7 +208,7 @@ void Widener::copyMemory(MemIntrinsic& call)
     for (uint64_t done = 0; done < size; done += piece) {
         Value* value = values[done / piece];
         if (to == Memory::Private) storePieces(value, b.CreateAdd(start, ConstantInt::get(start->getType(), done)), piece, piece);
-        else b.CreateMaskedScatter(value, b.CreateGEP(b.getInt8Ty(), start, b.getInt64(done)), Align(1), effectMask());
+        else storeToLanes(target, b.CreateGEP(b.getInt8Ty(), start, b.getInt64(done)), value, Align(1), size);
     }
 }
 

@@ -42,6 +42,7 @@ llvm::Function* Widener::run(std::string& error)
     allocatePrivate();
     if (error_.empty()) emitRegion(nullptr);
     finish();
+    reportOutside();
     b.CreateBr(exit_);
     emitStop();
     b.SetInsertPoint(exit_);
@@ -98,7 +99,7 @@ void Widener::emitStop()
 }
 
 Value* Widener::toMask(Value* bits) { return b.CreateBitCast(b.CreateTrunc(bits, maskBits_), maskType_); }
-Value* Widener::maskAsInteger() { return b.CreateZExtOrTrunc(b.CreateBitCast(mask_, maskBits_), b.getInt32Ty()); }
+Value* Widener::maskAsInteger(Value* mask) { return b.CreateZExtOrTrunc(b.CreateBitCast(mask, maskBits_), b.getInt32Ty()); }
 Value* Widener::any(Value* mask) { return b.CreateICmpNE(b.CreateBitCast(mask, maskBits_), ConstantInt::get(maskBits_, 0)); }
 Value* Widener::none() { return Constant::getNullValue(maskType_); }
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // The class behind widen(): state of one run. Control flow is in Widen.cpp, single instructions in WideInstructions.cpp,
-// memory in WideMemory.cpp, stage inputs and outputs in WideCalls.cpp, texture accesses in WideAccesses.cpp.
+// memory in WideMemory.cpp and WideBounds.cpp, stage inputs and outputs in WideCalls.cpp, texture accesses in WideAccesses.cpp.
 #pragma once
 
 #include "shader/Intrinsics.h"
@@ -13,6 +13,8 @@
 #include <llvm/IR/IntrinsicInst.h>
 #include <llvm/IR/Module.h>
 
+#include <array>
+#include <functional>
 #include <map>
 #include <set>
 #include <unordered_map>
@@ -36,7 +38,7 @@ private:
     void emitStop();
     void checkTypes();
     Value* toMask(Value* bits);
-    Value* maskAsInteger();
+    Value* maskAsInteger(Value* mask);
     Value* any(Value* mask);
     Value* none();
 
@@ -86,6 +88,7 @@ private:
     Value* loadPieces(Value* offset, uint64_t size, uint64_t piece);
     void storePieces(Value* value, Value* offset, uint64_t size, uint64_t piece);
     Value* effectMask();
+    void checkPointerSource(const Value* pointer);
     Value* load(llvm::LoadInst& instruction);
     void store(llvm::StoreInst& instruction);
     void copyMemory(llvm::MemIntrinsic& call);
@@ -107,12 +110,26 @@ private:
     llvm::CallInst* callRuntime(void* function, const std::vector<Value*>& arguments);
     uint64_t number(const llvm::CallInst& call, unsigned argument, uint64_t end);
 
+    // bounds
+    enum class HandleKind { Texture, Sampler };
+    const std::vector<llvm::CallInst*>& callsOf(std::string_view name);
+    void forEachHandle(const Value* pointer, HandleKind kind, Value* mask, const std::function<void(Value* handle, Value* mask)>& use);
+    std::vector<Value*> objectsOf(const Value* pointer);
+    bool isWithinKnownSize(const Value* pointer, const std::vector<Value*>& objects, uint64_t size) const;
+    Value* within(const Value* pointer, Value* address, uint64_t size, uint64_t reach);
+    void noteOutside(const std::vector<Value*>& objects, Value* lanes);
+    Value* zerosOf(llvm::Type* type);
+    Value* loadUniform(const Value* pointer, Value* address, llvm::Type* type, llvm::Align alignment, uint64_t reach = 0);
+    Value* loadLanes(const Value* pointer, Value* addresses, llvm::Type* type, llvm::Align alignment, uint64_t reach = 0);
+    void storeToLanes(const Value* pointer, Value* addresses, Value* value, llvm::Align alignment, uint64_t reach = 0);
+    void reportOutside();
+
     // texture accesses
     Value* resource(llvm::StringRef name, llvm::CallInst& call);
+    void emptyResults(Value* where);
     bool access(llvm::StringRef name, llvm::CallInst& call);
     void fillSample(llvm::CallInst& call, Value* place);
     void read(llvm::CallInst& call);
-    Value* chosen(const Value* pointer, const char* what);
     llvm::AllocaInst* accessPlace(uint64_t size, uint64_t results);
     void accessResults(llvm::CallInst& call, Value* where);
     void extract(llvm::ExtractElementInst& instruction);
@@ -144,6 +161,10 @@ private:
     uint64_t privateSize_ = 0;            // of one lane, in bytes
     std::unordered_map<const Value*, uint64_t> privateOffsets_;
     bool writesBuffers_ = false;
+    llvm::AllocaInst* outside_ = nullptr; // buffers that a lane left, a bit each
+    std::unordered_map<std::string_view, std::vector<llvm::CallInst*>> calls_;
+    std::unordered_map<llvm::Type*, llvm::GlobalVariable*> zeros_;
+    std::map<std::array<uint64_t, 3>, llvm::GlobalVariable*> writtenSamplers_;
     std::set<uint64_t> vertexOutputs_; // offsets that are written
     std::vector<BasicBlock*> order_;
     std::unordered_map<const Value*, Value*> local_; // known in the block being written

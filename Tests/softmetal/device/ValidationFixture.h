@@ -12,7 +12,7 @@ namespace device_test {
 class Validation : public Device
 {
 protected:
-    // One function for each chapter of the rules; they are defined in two files.
+    // One function for each chapter of the rules; they are defined in three files.
     void commandBuffers();
     void encoders();
     void passes();
@@ -25,6 +25,7 @@ protected:
     void samplers();
     void blits();
     void layers();
+    void shaders();
 
     struct Pair
     {

@@ -18,6 +18,7 @@ TEST_F(Validation, EveryRuleIsTested)
     samplers();
     blits();
     layers();
+    shaders();
     for (const std::string& rule : SoftMetal::validationRules()) EXPECT_TRUE(fired.contains(rule)) << rule;
 }
 

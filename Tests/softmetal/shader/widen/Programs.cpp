@@ -92,6 +92,9 @@ void read(const abi::Texture* texture, abi::ReadCall* call)
 std::atomic<uint32_t> stopped{0};
 void stopLoop() { ++stopped; }
 
+std::atomic<uint64_t> outside{0};
+void noteOutside(uint64_t buffers, uint32_t) { outside |= buffers; }
+
 Generator& generator(uint32_t lanes)
 {
     static std::mutex mutex;
@@ -210,6 +213,8 @@ World::World() : numbers(256), scratch(256)
     textures[1].width = 32;
     resources.buffers[0] = reinterpret_cast<const uint8_t*>(numbers.data());
     resources.buffers[1] = reinterpret_cast<const uint8_t*>(scratch.data());
+    resources.bufferLengths[0] = numbers.size() * sizeof numbers[0];
+    resources.bufferLengths[1] = scratch.size() * sizeof scratch[0];
     resources.textures[0] = &textures[0];
     resources.textures[1] = &textures[1];
     resources.samplers[0] = &sampler;
@@ -230,11 +235,12 @@ std::string program(const std::string& body, const std::string& globals)
 
 const abi::RuntimeTable& runtimeTable()
 {
-    static const abi::RuntimeTable table = {abi::Version, 0, sample, sampleCompare, gather, read, stopLoop};
+    static const abi::RuntimeTable table = {abi::Version, 0, sample, sampleCompare, gather, read, stopLoop, noteOutside};
     return table;
 }
 
 uint32_t stoppedLoops() { return stopped; }
+uint64_t buffersLeft() { return outside.exchange(0); }
 
 Results runWide(const std::string& text, Stage stage, uint32_t lanes, World& world)
 {

@@ -63,6 +63,8 @@ float texel(const abi::Texture* texture, float s, float t, float r, uint32_t lay
 /// The runtime that widened code calls, and how often a loop was stopped.
 const abi::RuntimeTable& runtimeTable();
 uint32_t stoppedLoops();
+/// Buffers that a lane left since the last call, a bit each.
+uint64_t buffersLeft();
 extern thread_local uint32_t sampledLanes;
 extern thread_local std::vector<abi::SampleCall> seenCalls;
 
