@@ -32,7 +32,8 @@ Compiler* openCompiler()
                                            [](const abi::Texture*, const abi::Sampler*, abi::SampleCall*) {},
                                            [](const abi::Texture*, const abi::Sampler*, abi::SampleCall*, uint32_t) {},
                                            [](const abi::Texture*, abi::ReadCall*) {},
-                                           [] {}};
+                                           [] {},
+                                           [](uint64_t, uint32_t) {}};
     void* library = dlopen(ZAL_COMPILER, RTLD_NOW | RTLD_LOCAL);
     auto door = library ? reinterpret_cast<OpenCompiler>(dlsym(library, "softmetal_open_compiler")) : nullptr;
     return door ? door(&runtime, Lanes) : nullptr;
