@@ -2,6 +2,7 @@
 // Chapters: creating, current context, releasing.
 #include "ZALMetalContext.h"
 
+#include "ScopedPool.h"
 #include "ZALGLContextObjects.h"
 #include "ZALMetalBlitter.h"
 #include "ZALMetalState.h"
@@ -38,9 +39,9 @@ bool choose(const ZALGLState& gl, void* commandQueue, Chosen& out)
         if (all) all->release();
     }
     if (!out.device) return false;
+    out.owned = true;
     NSLog("ZAL Metal, selected the following MTLDevice : %@", out.device->name());
     out.queue = out.device->newCommandQueue();
-    out.owned = true;
     return out.queue != nullptr;
 }
 
@@ -74,17 +75,17 @@ ZALGLContextObjects* sharedOrNew(ZALMetalContext* shareContext)
     return shareContext->glState->contextObjects;
 }
 
-class ScopedPool
+/// Undoes what a creation that failed has made. Nothing of it was ever handed out.
+int giveUp(ZALMetalContext* context, const Chosen& chosen)
 {
-public:
-    ScopedPool() : _pool(NS::AutoreleasePool::alloc()->init()) {}
-    ~ScopedPool() { _pool->release(); }
-    ScopedPool(const ScopedPool&) = delete;
-    ScopedPool& operator=(const ScopedPool&) = delete;
-
-private:
-    NS::AutoreleasePool* _pool;
-};
+    ZALGLContextObjects* objects = context->glState->contextObjects;
+    if (--objects->contexts == 0) delete objects;
+    delete context->glState;
+    if (chosen.owned && chosen.queue) chosen.queue->release();
+    if (chosen.owned) chosen.device->release();
+    std::free(context);
+    return ZALMetalResultDeviceUnavailable;
+}
 
 } // namespace
 
@@ -98,11 +99,7 @@ int ZALMetalContextInitFromMTLCommandQueue(ZALMetalContext*& outContext, ZALMeta
     if (gl.useMetalDeviceWrapper) setenv("METAL_DEVICE_WRAPPER_TYPE", "1", 1);
 
     Chosen chosen;
-    if (!choose(gl, commandQueue, chosen)) return ZALMetalResultDeviceUnavailable;
-    if (!sharesDevice(shareContext, chosen.device)) {
-        std::free(context);
-        return ZALMetalResultDeviceUnavailable;
-    }
+    if (!choose(gl, commandQueue, chosen) || !sharesDevice(shareContext, chosen.device)) return giveUp(context, chosen);
     checkCapture(gl);
     ZALMetalBlitter* blitter = ZALMetalBlitterInit(chosen.device);
     context->metalData =

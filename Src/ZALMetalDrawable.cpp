@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // Chapters: layer and host textures, size, presentation, attachments.
+#include "ScopedPool.h"
 #include "ZALGLContextObjects.h"
 #include "ZALMetalBlitter.h"
 #include "ZALMetalContext.h"
@@ -40,18 +41,6 @@ void releaseAndForget(T*& object)
     if (object) object->release();
     object = nullptr;
 }
-
-class ScopedPool
-{
-public:
-    ScopedPool() : _pool(NS::AutoreleasePool::alloc()->init()) {}
-    ~ScopedPool() { _pool->release(); }
-    ScopedPool(const ScopedPool&) = delete;
-    ScopedPool& operator=(const ScopedPool&) = delete;
-
-private:
-    NS::AutoreleasePool* _pool;
-};
 
 int updateSize(ZALMetalContext* context)
 {
@@ -208,11 +197,10 @@ int ZALMetalContextSwapBuffers(ZALMetalContext* context)
     state->renderPassEnd();
     MTL::CommandBuffer* commandBuffer = state->commandBufferStart();
     commandBuffer->pushDebugGroup(text("ZALMetalContextSwapBuffers"));
-    if (MTL::Texture *color = drawable->colorTexture; color && drawable->currentDrawable) {
+    if (MTL::Texture* color = drawable->colorTexture; color && drawable->currentDrawable)
         CopyTexSubImage2D(metalData->blitter, metalData->device, commandBuffer, color, MTL::Origin(0, 0, 0), MTL::Size(color->width(), color->height(), 1),
                           drawable->currentDrawable->texture(), MTL::Origin(0, 0, 0), 0, 0, true);
-        commandBuffer->presentDrawable(drawable->currentDrawable);
-    }
+    if (drawable->currentDrawable) commandBuffer->presentDrawable(drawable->currentDrawable); // none: the layer had none to give
     commandBuffer->popDebugGroup();
     state->commandBufferEnd();
     setCurrentDrawable(drawable, nullptr);
