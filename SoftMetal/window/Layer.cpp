@@ -243,9 +243,9 @@ void setViewSize(NSView* view, double width, double height)
 {
     auto& object = *cast<ViewObject>(view);
     object.size = {width, height};
-    if (object.layer) object.layer->viewSizeIs(object.size);
     if (object.postsFrameChanges)
         CFNotificationCenterPostNotification(CFNotificationCenterGetLocalCenter(), NSViewFrameDidChangeNotification, view, nullptr, true);
+    if (object.layer) object.layer->viewSizeIs(object.size); // layers follow at layout, after the observers were told
 }
 
 CA::MetalLayer* layerOf(NSView* view) { return api(cast<ViewObject>(view)->layer.get()); }
