@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
-// Capture scopes and their manager. A trace document is a text file: the calls made while it was captured, one a line.
+// Capture scopes and their manager.
+#include "capture/Document.h"
 #include "foundation/Strings.h"
 #include "inspect/Inspect.h"
 #include "objects/Resources.h"
 
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
+#include <system_error>
 
 using namespace softmetal;
 
@@ -25,39 +25,6 @@ bool supportedFromEnvironment()
 {
     const char* wanted = std::getenv("SOFTMETAL_CAPTURE");
     return wanted && *wanted && std::strcmp(wanted, "0") != 0;
-}
-
-// ---- documents --------------------------------------------------------------------------------------------------------------
-
-/// Text as it stands when it can be read, else as hexadecimal digits.
-std::string readable(const std::string& text)
-{
-    bool plain = true;
-    for (unsigned char c : text) plain &= c >= 32 && c < 127;
-    if (plain) return '"' + text + '"';
-    std::string digits = "0x";
-    char two[3];
-    for (unsigned char c : text) {
-        std::snprintf(two, sizeof two, "%02x", c);
-        digits += two;
-    }
-    return digits;
-}
-
-std::string lineOf(const SoftMetal::LogEntry& entry)
-{
-    char number[40];
-    std::snprintf(number, sizeof number, "%p ", entry.receiver);
-    std::string line = number + entry.label + " " + entry.call + "(";
-    const char* separator = "";
-    for (const auto& argument : entry.arguments) {
-        line += separator + argument.name + "=";
-        if (!argument.text.empty()) line += readable(argument.text);
-        else if (argument.object) std::snprintf(number, sizeof number, "%p", argument.object), line += number;
-        else std::snprintf(number, sizeof number, "%.17g", argument.number), line += number;
-        separator = ", ";
-    }
-    return line + ")\n";
 }
 
 // ---- manager ----------------------------------------------------------------------------------------------------------------
@@ -81,8 +48,10 @@ private:
     enum class State { Idle, WaitsForScope, Traces };
     std::mutex mutex_; // guards what follows
     State state_ = State::Idle;
+    void beginTrace();
+
     ObjectRef object_; // what is captured
-    std::ofstream document_;
+    std::filesystem::path folder_;
 };
 
 CaptureManagerObject& shared()
@@ -100,23 +69,30 @@ const char* CaptureManagerObject::start(const CaptureDescriptorObject& d, NS::In
     if (state_ != State::Idle) return "Something is being captured already.";
     code = MTL::CaptureErrorInvalidDescriptor;
     if (!d.captureObject || !d.outputURL) return "The descriptor needs an object to capture and a place for the document.";
-    document_.open(reinterpret_cast<NS::URL*>(d.outputURL.get())->fileSystemRepresentation(), std::ios::trunc);
-    if (!document_) return "The document cannot be written.";
+    folder_ = reinterpret_cast<NS::URL*>(d.outputURL.get())->fileSystemRepresentation();
+    std::error_code failed;
+    std::filesystem::create_directories(folder_, failed);
+    if (failed || !std::filesystem::is_directory(folder_, failed)) return "The document cannot be written.";
     object_ = d.captureObject;
     bool scoped = dynamic_cast<CaptureScopeObject*>(object_.get()) != nullptr;
     state_ = scoped ? State::WaitsForScope : State::Traces;
-    if (!scoped) inspect::beginTrace();
+    if (!scoped) beginTrace();
     return nullptr;
+}
+
+void CaptureManagerObject::beginTrace()
+{
+    state_ = State::Traces;
+    capture::beginPictures();
+    inspect::beginTrace();
 }
 
 void CaptureManagerObject::stop()
 {
     std::lock_guard lock(mutex_);
     if (state_ == State::Idle) return;
-    document_ << "SoftMetal trace 1\n";
-    if (state_ == State::Traces)
-        for (const auto& entry : inspect::endTrace()) document_ << lineOf(entry);
-    document_.close();
+    inspect::Trace trace = state_ == State::Traces ? inspect::endTrace() : inspect::Trace();
+    capture::writeDocument(folder_, trace, capture::endPictures(capture::committedPasses(trace)));
     object_ = ObjectRef();
     state_ = State::Idle;
 }
@@ -125,8 +101,7 @@ void CaptureManagerObject::scopeBegins(const Object* scope)
 {
     std::lock_guard lock(mutex_);
     if (state_ != State::WaitsForScope || object_.get() != scope) return;
-    inspect::beginTrace();
-    state_ = State::Traces;
+    beginTrace();
 }
 
 void CaptureManagerObject::scopeEnds(const Object* scope)

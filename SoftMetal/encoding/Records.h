@@ -23,6 +23,7 @@ struct PassRecord
 {
     raster::PassDescription description;
     size_t firstDraw = 0, drawCount = 0;
+    uint64_t serial = 0; // of all passes of the process, from 1
 };
 
 struct CopyTextureRecord

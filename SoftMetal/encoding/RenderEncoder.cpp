@@ -6,6 +6,7 @@
 #include "formats/VertexFormat.h"
 
 #include <algorithm>
+#include <atomic>
 #include <bit>
 #include <cstring>
 
@@ -60,6 +61,8 @@ StageBindings::StageBindings()
 
 RenderEncoderObject::RenderEncoderObject(CommandBufferObject* buffer, const RenderPassDescriptorObject& pass) : Labelled(buffer->device.get()), Encoder(buffer)
 {
+    static std::atomic<uint64_t> serial{0};
+    record.serial = ++serial;
     record.firstDraw = commands->storage->draws.size();
     attach(pass);
     if (inspect::logging()) logPass(pass);
@@ -133,7 +136,7 @@ void RenderEncoderObject::attach(const RenderPassDescriptorObject& pass)
 
 void RenderEncoderObject::logPass(const RenderPassDescriptorObject& pass) const
 {
-    std::vector<SoftMetal::LogArgument> logged{inspect::arg("result", static_cast<const void*>(api(this)))};
+    std::vector<SoftMetal::LogArgument> logged{inspect::arg("result", static_cast<const void*>(api(this))), inspect::arg("pass", record.serial)};
     auto add = [&](const std::string& name, const RenderPassAttachmentDescriptorObject& a) {
         logged.push_back({name, 0, a.texture.get(), {}});
         logged.push_back({name + ".load", static_cast<double>(a.loadAction), nullptr, {}});

@@ -17,6 +17,7 @@ namespace {
 
 std::atomic<bool> limitReached{false};
 std::atomic<double> delay{0}; // milliseconds
+std::atomic<PassObserver> passObserver{nullptr};
 
 // ---- records --------------------------------------------------------------------------------------------------------------
 
@@ -25,6 +26,7 @@ void run(const PassRecord& pass, const CommandStorage& storage)
     raster::Pass target(pass.description);
     for (size_t i = 0; i < pass.drawCount; ++i) target.draw(storage.draws[pass.firstDraw + i].state, storage.draws[pass.firstDraw + i].call);
     target.finish();
+    if (PassObserver observer = passObserver) observer(pass.serial, &pass.description);
 }
 
 void run(const CopyTextureRecord& r, const CommandStorage&)
@@ -80,6 +82,14 @@ std::string runRecords(const CommandBufferObject& commands)
     return stopped ? "a shader ran past the limit of loop iterations and was stopped" : std::string();
 }
 
+void skipRecords(const CommandBufferObject& commands)
+{
+    PassObserver observer = passObserver;
+    if (!observer) return;
+    for (const Record& record : commands.storage->records)
+        if (const auto* pass = std::get_if<PassRecord>(&record)) observer(pass->serial, nullptr);
+}
+
 // ---- thread -----------------------------------------------------------------------------------------------------------------
 
 /// Shared by the queue and its thread: the thread may be the one that ends the queue.
@@ -104,6 +114,7 @@ void runCommandBuffer(CommandBufferObject& commands, bool discards)
     commands.start();
     std::string failure = commands.mustFail ? "the command buffer was made to fail (injected fault)" : std::string();
     if (failure.empty() && !discards) failure = runRecords(commands);
+    else skipRecords(commands);
     for (Presentable* drawable : commands.storage->presents)
         if (drawable) drawable->presentNow();
     commands.complete(failure);
@@ -189,6 +200,7 @@ void execute(const Record& record, const CommandStorage& storage)
 
 void noteShaderLimit() { limitReached = true; }
 void setCommandBufferDelay(double milliseconds) { delay = milliseconds; }
+void setPassObserver(PassObserver observer) { passObserver = observer; }
 
 std::unique_ptr<Executor> makeQueueThread(bool discards) { return std::make_unique<QueueThread>(discards); }
 

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <atomic>
 #include <mutex>
+#include <unordered_map>
 #include <utility>
 
 namespace softmetal::inspect {
@@ -19,7 +20,8 @@ struct Log
     std::vector<const void*> devices; // besides, when not everywhere
     std::vector<SoftMetal::LogEntry> entries;
     bool tracing = false; // everything is kept for a trace document as well
-    std::vector<SoftMetal::LogEntry> trace;
+    Trace trace;
+    std::unordered_map<const void*, uint32_t> numbers; // of the traced objects, by address
 
     bool any() const { return everywhere || tracing || !devices.empty(); }
 };
@@ -28,6 +30,35 @@ Log& commandLog()
 {
     static auto* log = new Log;
     return *log;
+}
+
+TracedObject traced(const void* object)
+{
+    const Object* any = castObject(object);
+    const auto* described = dynamic_cast<const Described*>(any);
+    return {any->className(), described ? described->labelText() : "(no label)", described ? described->summary() : ""};
+}
+
+/// What a call returns is a new object, though its address may have been another's.
+uint32_t numberOf(Log& log, const void* object, bool isNew)
+{
+    if (!object) return 0;
+    auto [place, added] = log.numbers.try_emplace(object, 0);
+    if (added || isNew) {
+        log.trace.objects.push_back(traced(object));
+        place->second = static_cast<uint32_t>(log.trace.objects.size());
+    }
+    return place->second;
+}
+
+void trace(Log& log, SoftMetal::LogEntry entry)
+{
+    TracedCall call;
+    call.receiver = numberOf(log, entry.receiver, false);
+    if (call.receiver) log.trace.objects[call.receiver - 1].label = entry.label; // labels are often set late
+    for (const SoftMetal::LogArgument& a : entry.arguments) call.objects.push_back(numberOf(log, a.object, a.name == "result"));
+    call.entry = std::move(entry);
+    log.trace.calls.push_back(std::move(call));
 }
 
 } // namespace
@@ -44,18 +75,19 @@ void logCall(const void* receiver, const char* call, std::vector<SoftMetal::LogA
     SoftMetal::LogEntry entry{call, receiver, std::move(arguments), std::move(label)};
     bool wanted = log.everywhere || std::find(log.devices.begin(), log.devices.end(), device) != log.devices.end();
     if (wanted) log.entries.push_back(entry);
-    if (log.tracing) log.trace.push_back(std::move(entry));
+    if (log.tracing) trace(log, std::move(entry));
 }
 
 void beginTrace()
 {
     std::lock_guard lock(commandLog().mutex);
     commandLog().tracing = true;
-    commandLog().trace.clear();
+    commandLog().trace = {};
+    commandLog().numbers.clear();
     anyLog = true;
 }
 
-std::vector<SoftMetal::LogEntry> endTrace()
+Trace endTrace()
 {
     std::lock_guard lock(commandLog().mutex);
     commandLog().tracing = false;

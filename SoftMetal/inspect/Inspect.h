@@ -19,6 +19,7 @@ class Described
 public:
     virtual const void* deviceIdentity() const = 0; // of the device that it belongs to
     virtual std::string labelText() const = 0;      // in quotes, or "(no label)"
+    virtual std::string summary() const { return {}; } // size, format and the like in a line, for readers of traces
 
 protected:
     ~Described() = default;
@@ -72,9 +73,29 @@ SoftMetal::LogArgument arg(const char* name, Number value)
 inline SoftMetal::LogArgument arg(const char* name, const void* object) { return {name, 0, object, {}}; }
 inline SoftMetal::LogArgument arg(const char* name, const std::string& value) { return {name, 0, nullptr, value}; }
 
+/// An object as it was when a call named it.
+struct TracedObject
+{
+    std::string className, label, summary;
+};
+
+/// A call, and a number for each object that it names: addresses are used again, these are not. Null has number 0.
+struct TracedCall
+{
+    SoftMetal::LogEntry entry;
+    uint32_t receiver = 0;
+    std::vector<uint32_t> objects; // one for each argument
+};
+
+struct Trace
+{
+    std::vector<TracedCall> calls;
+    std::vector<TracedObject> objects; // number n lies at n - 1
+};
+
 /// For trace documents: every call between the two, whatever the command log is set to.
 void beginTrace();
-std::vector<SoftMetal::LogEntry> endTrace();
+Trace endTrace();
 
 // ---- faults ---------------------------------------------------------------------------------------------------------------
 

@@ -119,6 +119,12 @@ std::shared_ptr<shader::Function> functionOf(const ObjectRef& object) { return o
 
 } // namespace
 
+std::string RenderPipelineStateObject::summary() const
+{
+    std::string text = vertexFunction ? vertexFunction->reflection().name : "";
+    return fragmentFunction ? text + ", " + fragmentFunction->reflection().name : text;
+}
+
 RenderPipelineStateObject* RenderPipelineStateObject::make(DeviceObject* owner, const RenderPipelineDescriptorObject& d, std::string& why)
 {
     auto result = Ref<RenderPipelineStateObject>::adopt(new RenderPipelineStateObject(owner));

@@ -170,6 +170,16 @@ void TextureObject::describeTo(abi::Texture& to) const
     std::memcpy(to.swizzle, swizzle, 4);
 }
 
+std::string TextureObject::summary() const
+{
+    const auto* format = formats::pixelFormatInfo(view.format);
+    std::string text = (format ? format->name : "format " + std::to_string(view.format)) + ", " + std::to_string(view.width) + " x " + std::to_string(view.height);
+    if (view.levels[0].depth > 1) text += " x " + std::to_string(view.levels[0].depth);
+    if (slices() > 1) text += ", " + std::to_string(slices()) + " slices";
+    if (view.levelCount > 1) text += ", " + std::to_string(view.levelCount) + " levels";
+    return text;
+}
+
 uint32_t TextureObject::slices() const { return narrow(description.arrayLength) * (isCube(description.textureType) ? 6 : 1); }
 
 bool TextureObject::inside(const MTL::Region& r, NS::UInteger level, NS::UInteger slice) const

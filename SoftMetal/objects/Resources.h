@@ -98,6 +98,7 @@ public:
     BufferObject(DeviceObject* owner, size_t bytes, MTL::ResourceOptions options);
     BufferObject(DeviceObject* owner, void* bytes, size_t length, MTL::ResourceOptions options, Memory::Release release);
     const char* className() const override { return "MTLBuffer"; }
+    std::string summary() const override { return std::to_string(length) + " bytes"; }
 
     const size_t length;
     const MTL::ResourceOptions options;
@@ -111,6 +112,7 @@ public:
     static TextureObject* make(DeviceObject* owner, const TextureDescriptorObject& description);
     TextureObject(DeviceObject* owner, const TextureDescriptorObject& description, std::shared_ptr<Memory> memory);
     const char* className() const override { return "MTLTexture"; }
+    std::string summary() const override; // "RGBA8Unorm, 64 x 48"
 
     uint32_t slices() const;
     bool inside(const MTL::Region& region, NS::UInteger level, NS::UInteger slice) const;
@@ -178,6 +180,7 @@ public:
     static RenderPipelineStateObject* make(DeviceObject* owner, const RenderPipelineDescriptorObject& description, std::string& why);
     explicit RenderPipelineStateObject(DeviceObject* owner) : Labelled(owner) {}
     const char* className() const override { return "MTLRenderPipelineState"; }
+    std::string summary() const override; // "main_v, main_f"
 
     raster::Pipeline pipeline;
     std::shared_ptr<shader::Function> vertexFunction, fragmentFunction; // keep the machine code alive

@@ -153,8 +153,9 @@ SOFTMETAL_API Presented presented(CA::MetalLayer* layer);
 
 // ---- capture ----------------------------------------------------------------------------------------------------------------
 
-/// Whether MTL::CaptureManager writes trace documents: text files that list the calls made while it captured, one a line.
-/// It does not at the start, unless SOFTMETAL_CAPTURE is set to anything but 0.
+/// Whether MTL::CaptureManager writes trace documents: folders with "trace.json" (every call made while it captured, the
+/// objects they used, the passes), a small picture of each attachment after each pass, and "index.html", a page that shows
+/// all of it from disk. What a document of that name held before is written over. It does not at the start, unless SOFTMETAL_CAPTURE is set to anything but 0.
 SOFTMETAL_API void setCaptureSupported(bool supported);
 
 // ---- the rest -------------------------------------------------------------------------------------------------------------

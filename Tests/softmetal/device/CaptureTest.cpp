@@ -15,7 +15,7 @@ protected:
     void TearDown() override
     {
         SoftMetal::setCaptureSupported(false);
-        std::filesystem::remove(path);
+        std::filesystem::remove_all(path);
         Device::TearDown();
     }
 
@@ -32,12 +32,12 @@ protected:
     std::string document()
     {
         std::ostringstream all;
-        all << std::ifstream(path).rdbuf();
+        all << std::ifstream(path / "trace.json").rdbuf();
         return all.str();
     }
 
     MTL::CaptureManager* manager = MTL::CaptureManager::sharedCaptureManager();
-    std::filesystem::path path = std::filesystem::temp_directory_path() / ("softmetal-trace-" + std::to_string(getpid()) + ".txt");
+    std::filesystem::path path = std::filesystem::temp_directory_path() / ("softmetal-trace-" + std::to_string(getpid()));
 };
 
 TEST_F(Capture, IsNotSupportedUnlessAskedFor)
@@ -62,9 +62,9 @@ TEST_F(Capture, WritesTheCallsOfItsTime)
     b->didModifyRange(NS::Range(0, 1));
     EXPECT_FALSE(manager->isCapturing());
     std::string written = document();
-    EXPECT_EQ(written.rfind("SoftMetal trace 1\n", 0), 0u);
-    EXPECT_NE(written.find("didModifyRange(location=2, length=4)"), std::string::npos) << written;
-    EXPECT_EQ(written.find("location=0"), std::string::npos) << written;
+    EXPECT_NE(written.find(R"("call": "didModifyRange", "arguments": {"location": 2, "length": 4})"), std::string::npos) << written;
+    EXPECT_EQ(written.find(R"("location": 0)"), std::string::npos) << written;
+    EXPECT_NE(written.find(R"j("class": "MTLBuffer", "label": "(no label)", "summary": "8 bytes")j"), std::string::npos) << written;
 }
 
 TEST_F(Capture, FollowsAScope)
@@ -78,8 +78,8 @@ TEST_F(Capture, FollowsAScope)
     b->didModifyRange(NS::Range(2, 1));
     scope->endScope();
     EXPECT_FALSE(manager->isCapturing());
-    EXPECT_EQ(document().find("location=1"), std::string::npos);
-    EXPECT_NE(document().find("location=2"), std::string::npos);
+    EXPECT_EQ(document().find("\"location\": 1"), std::string::npos);
+    EXPECT_NE(document().find("\"location\": 2"), std::string::npos);
 }
 
 TEST_F(Capture, RefusesASecondAndAnEmptyDescriptor)
