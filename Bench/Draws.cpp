@@ -17,6 +17,13 @@ MOV result.color, color;
 END
 )";
 
+const std::string_view TexturedFragmentProgram = R"(!!ARBfp1.0
+TEMP texel;
+TEX texel, fragment.texcoord[0], texture[0], 2D;
+MOV result.color, texel;
+END
+)";
+
 namespace {
 
 struct Corner

@@ -29,5 +29,7 @@ void drawQuad();
 extern const std::string_view PassVertexProgram;
 /// Writes program.local[0].
 extern const std::string_view FlatFragmentProgram;
+/// Writes a sample of the 2D texture of unit 0.
+extern const std::string_view TexturedFragmentProgram;
 
 } // namespace bench

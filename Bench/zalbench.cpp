@@ -118,7 +118,7 @@ Result run(const bench::Workload& workload, const Options& options, bool mesa)
 
 void printRow(const Result& r)
 {
-    std::printf("%-18s %-9s %10.4g %6.0f%% %10.4g %6.0f%% %8.2f  %s\n", r.workload->name, r.workload->unit, median(r.ours),
+    std::printf("%-20s %-9s %10.4g %6.0f%% %10.4g %6.0f%% %8.2f  %s\n", r.workload->name, r.workload->unit, median(r.ours),
                 spread(r.ours) * 100, median(r.theirs), spread(r.theirs) * 100, ratio(r), r.remark.c_str());
     std::fflush(stdout);
 }
@@ -171,7 +171,7 @@ int main(int argc, char** argv)
         return 2;
     }
     if (options.list) {
-        for (const auto& w : bench::workloads()) std::printf("%-18s %-9s %s\n", w.name, w.unit, w.note);
+        for (const auto& w : bench::workloads()) std::printf("%-20s %-9s %s\n", w.name, w.unit, w.note);
         return 0;
     }
     auto ours = output(binary("zalbench_worker_zal").string() + " --describe");
@@ -182,7 +182,7 @@ int main(int argc, char** argv)
     }
     if (!options.json) {
         std::printf("machine: %s\nours:    %s\nmesa:    %s\n\n", machineName().c_str(), ours->c_str(), theirs.value_or("not here").c_str());
-        std::printf("%-18s %-9s %10s %7s %10s %7s %8s\n", "workload", "unit", "zalmetal", "spread", "mesa", "spread", "ratio");
+        std::printf("%-20s %-9s %10s %7s %10s %7s %8s\n", "workload", "unit", "zalmetal", "spread", "mesa", "spread", "ratio");
     }
     std::vector<Result> results;
     for (const auto& workload : bench::workloads()) {
