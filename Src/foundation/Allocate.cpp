@@ -3,7 +3,8 @@
 
 #include <cstdlib>
 
-namespace ZALM {
+namespace ZALM
+{
 
 Allocator g_allocator = {std::malloc, std::realloc, std::free};
 

@@ -4,7 +4,8 @@
 
 #include <cstddef>
 
-namespace ZALM {
+namespace ZALM
+{
 
 struct Allocator
 {

@@ -5,10 +5,13 @@
 
 #include <cmath>
 #include <cstdint>
+#include <utility>
 
-namespace ZALM {
+namespace ZALM
+{
 
-/// An ordered map: a red-black tree whose cells sit in blocks that never move. One cursor serves finding and iterating.
+/// An ordered map: a red-black tree whose cells sit in blocks, so that inserting seldom allocates and cells never move.
+/// One cursor serves finding and iterating. Keys and values need a default; nothing throws.
 template <class K, class V>
 class Map
 {
@@ -43,13 +46,20 @@ public:
         Cell** link = &root;
         while (*link) {
             parent = *link;
-            if (key < parent->key) link = &parent->left;
-            else if (parent->key < key) link = &parent->right;
-            else return Success;
+            if (key < parent->key)
+                link = &parent->left;
+            else if (parent->key < key)
+                link = &parent->right;
+            else
+                return Success;
         }
         Cell* cell = newCell();
         if (!cell) return OutOfMemory;
         cell->key = key;
+        if (cell->key < key || key < cell->key) { // a text that found no memory would stand in the wrong place
+            freeCell(cell);
+            return OutOfMemory;
+        }
         cell->value = value;
         cell->color = Red;
         cell->left = cell->right = nullptr;
@@ -66,9 +76,12 @@ public:
     {
         Cell* cell = root;
         while (cell) {
-            if (key < cell->key) cell = cell->left;
-            else if (cell->key < key) cell = cell->right;
-            else break;
+            if (key < cell->key)
+                cell = cell->left;
+            else if (cell->key < key)
+                cell = cell->right;
+            else
+                break;
         }
         if (cell) remove(cell);
     }
@@ -78,9 +91,12 @@ public:
     {
         for (Cell* cell = root; cell;) {
             cursor = cell;
-            if (key < cell->key) cell = cell->left;
-            else if (cell->key < key) cell = cell->right;
-            else return cell;
+            if (key < cell->key)
+                cell = cell->left;
+            else if (cell->key < key)
+                cell = cell->right;
+            else
+                return cell;
         }
         return nullptr;
     }
@@ -110,15 +126,15 @@ public:
         remove(cell);
     }
 
-    /// Adds a block of cells: 4, 10, 19, 32, … An empty block that could not get its cells stays.
+    /// Adds a block of cells: 4, 10, 19, 32, … 0, or 2 without memory. A block that got no cells stays, empty.
     int Allocate()
     {
         constexpr size_t MostBlocks = 256; // a cell names its block in one byte
         if (blocks.count >= MostBlocks) return OutOfMemory;
-        float power = std::pow(1.5f, static_cast<float>(blocks.count + 1));
-        auto cells = static_cast<size_t>((1.0f - power) * 4.0f * -2.0f);
+        const float cells = (1.0f - std::pow(1.5f, static_cast<float>(blocks.count + 1))) * 4.0f * -2.0f;
         if (blocks.push_back(Vector<Cell>()) != Success) return OutOfMemory;
-        return blocks.back().reserve(cells);
+        constexpr float MostCells = 0x1p62f; // far beyond all memory, and still a number that can be counted to
+        return cells < MostCells ? blocks.back().reserve(static_cast<size_t>(cells)) : OutOfMemory;
     }
 
     size_t size() const { return elements; }
@@ -129,7 +145,8 @@ public:
     Cell* cursor = nullptr;
 
 private:
-    // ---- cells -----------------------------------------------------------------------------------------------------------
+    // ---- cells
+    // -----------------------------------------------------------------------------------------------------------
 
     Cell* newCell()
     {
@@ -154,30 +171,37 @@ private:
         freeCells = cell;
     }
 
-    // ---- walking ---------------------------------------------------------------------------------------------------------
+    // ---- walking
+    // ---------------------------------------------------------------------------------------------------------
 
     static Cell* leftmost(Cell* cell)
     {
-        while (cell->left) cell = cell->left;
+        while (cell->left)
+            cell = cell->left;
         return cell;
     }
 
     static Cell* successor(Cell* cell)
     {
         if (cell->right) return leftmost(cell->right);
-        while (cell->parent && cell->parent->right == cell) cell = cell->parent;
+        while (cell->parent && cell->parent->right == cell)
+            cell = cell->parent;
         return cell->parent;
     }
 
-    // ---- balance ---------------------------------------------------------------------------------------------------------
+    // ---- balance
+    // ---------------------------------------------------------------------------------------------------------
 
     static bool isRed(const Cell* cell) { return cell && cell->color == Red; }
 
     void replaceChild(Cell* parent, Cell* from, Cell* to)
     {
-        if (!parent) root = to;
-        else if (parent->left == from) parent->left = to;
-        else parent->right = to;
+        if (!parent)
+            root = to;
+        else if (parent->left == from)
+            parent->left = to;
+        else
+            parent->right = to;
         if (to) to->parent = parent;
     }
 

@@ -3,15 +3,17 @@
 
 #include "foundation/Allocate.h"
 
+#include <cstdint>
 #include <cstring>
 #include <limits>
 #include <new>
-#include <utility>
 
-namespace ZALM {
+namespace ZALM
+{
 
-/// A growable array. Elements are moved by copying their bytes, so T must bear that. Nothing throws: what may run out of
-/// memory returns a status (0, or 2 with the vector unchanged).
+/// A growable array. Elements are moved by copying their bytes, so T must bear that. Nothing throws: what may run out
+/// of memory returns a status (0, or 2 with the vector unchanged). Copying a vector has no status; the target of an
+/// assignment that fails stays as it was, a copy that fails is empty.
 template <class T>
 class Vector
 {
@@ -33,31 +35,35 @@ public:
 
     Vector& operator=(const Vector& other)
     {
-        if (this == &other) return *this;
+        if (this == &other || reserve(other.count) != Success) return *this;
         clear();
-        if (reserve(other.count) != Success) return *this;
-        for (size_t i = 0; i < other.count; ++i) new (data + i) VectorObject(other.data[i]);
+        for (size_t i = 0; i < other.count; ++i)
+            new (data + i) VectorObject(other.data[i]);
         count = other.count;
         return *this;
     }
 
+    /// The value may be an element of this vector.
     int push_back(const T& value)
     {
-        if (count == capacity) {
-            T copy(value); // the value may lie in the storage that is about to move
-            if (int status = grow()) return status;
-            new (data + count++) VectorObject(copy);
+        if (count < capacity) {
+            new (data + count++) VectorObject(value);
             return Success;
         }
-        new (data + count++) VectorObject(value);
+        const size_t own = indexOf(value);
+        if (int status = grow()) return status;
+        new (data + count) VectorObject(own < count ? data[own] : value);
+        ++count;
         return Success;
     }
 
     int resize(size_t size)
     {
         if (int status = reserve(size)) return status;
-        while (count > size) data[--count].~T();
-        while (count < size) new (data + count++) VectorObject();
+        while (count > size)
+            data[--count].~T();
+        while (count < size)
+            new (data + count++) VectorObject();
         return Success;
     }
 
@@ -70,12 +76,14 @@ public:
         if (index >= count) return;
         data[index].~T();
         --count;
-        std::memmove(static_cast<void*>(data + index), static_cast<const void*>(data + index + 1), (count - index) * sizeof(T));
+        std::memmove(static_cast<void*>(data + index), static_cast<const void*>(data + index + 1),
+                     (count - index) * sizeof(T));
     }
 
     void clear()
     {
-        while (count > 0) data[--count].~T();
+        while (count > 0)
+            data[--count].~T();
     }
 
     T& operator[](size_t index) { return data[index]; }
@@ -93,6 +101,14 @@ public:
     size_t capacity = 0; // elements that fit
 
 private:
+    /// Where the value stands in the storage, which may be about to move; beyond the end for one from elsewhere.
+    size_t indexOf(const T& value) const
+    {
+        auto bytes = reinterpret_cast<uintptr_t>(&value) - reinterpret_cast<uintptr_t>(data);
+        return bytes / sizeof(T);
+    }
+
+    /// 4, 6, 9, 13, … elements.
     int grow()
     {
         constexpr size_t Least = 4;
@@ -105,7 +121,8 @@ private:
     {
         if (larger > std::numeric_limits<size_t>::max() / sizeof(T)) return OutOfMemory;
         size_t bytes = larger * sizeof(T);
-        void* memory = capacity == 0 ? g_allocator.allocate(bytes) : g_allocator.reallocate(static_cast<void*>(data), bytes);
+        void* memory =
+            capacity == 0 ? g_allocator.allocate(bytes) : g_allocator.reallocate(static_cast<void*>(data), bytes);
         if (!memory) return OutOfMemory;
         data = static_cast<T*>(memory);
         capacity = larger;
