@@ -17,6 +17,12 @@ struct Row
     double most = 0;
 };
 
+/// Maps of 10 to 100 000 keys beside the standard library's; templates filled beside a formatting library.
+std::vector<Row> foundation();
+
+/// Setters of GL state, with a value that changes.
+std::vector<Row> setters();
+
 /// The translator and the normaliser alone, without a context: microseconds a program at the lengths that programs
 /// have, nanoseconds a statement up to lengths that they have not.
 std::vector<Row> translation();
