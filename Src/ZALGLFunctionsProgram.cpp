@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // Chapters: binding, local parameters, program strings.
+#include "ProgramFiles.h"
 #include "ShaderString.h"
 #include "ZALGLContextObjects.h"
 #include "ZALMetalData.h"
@@ -158,7 +159,10 @@ void glProgramStringARB(GLenum target, GLenum format, GLsizei len, const void* s
         return SetCurrentError(gl, GL_INVALID_VALUE);
     }
 
+    ZALMetal::DumpProgram(target == GL_VERTEX_PROGRAM_ARB, {characters, length}, text);
+    ZALMetal::ReplaceProgramSource({characters, length}, text);
     MTL::Library* library = compile(*gl, text);
+    // Kept on purpose: [reload-keeps-pipeline] pipelines made with the old text stay; only deleting the program drops them.
     program->SetMTLLibrary(library);
     if (!library) SetCurrentError(gl, GL_INVALID_OPERATION);
 }
