@@ -64,8 +64,8 @@ TEST(Corpus, HasAProgramForEverySubject)
     std::vector<std::string> names;
     for (const files::path& path : programs())
         names.push_back(path.filename().string());
-    EXPECT_EQ(names, (std::vector<std::string>{"blur.fp", "colour-space.fp", "depth-output.fp", "lighting.fp",
-                                               "lighting.vp", "multiple-outputs.fp", "picking.fp", "skinning.vp",
+    EXPECT_EQ(names, (std::vector<std::string>{"blur.fp", "branches.fp", "colour-space.fp", "depth-output.fp", "depth-peel.fp",
+                                               "lighting.fp", "lighting.vp", "multiple-outputs.fp", "picking.fp", "skinning.vp",
                                                "texture-matrix.vp", "tone-curve.fp", "volume.fp"}));
 }
 
