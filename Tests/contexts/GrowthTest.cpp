@@ -15,7 +15,7 @@ namespace {
 constexpr const char* VertexProgram = "!!ARBvp1.0\nMOV result.position, vertex.attrib[0];\nMOV result.texcoord[0], vertex.attrib[8];\nEND\n";
 constexpr const char* FragmentProgram = "!!ARBfp1.0\nTEMP R0;\nTEX R0, fragment.texcoord[0], texture[0], 2D;\nMOV result.color, R0;\nEND\n";
 constexpr uint32_t Side = 16;
-constexpr int64_t SpareDrawables = 4; // a layer holds one to three textures, as the frames overlap; a leak would show 25 times
+constexpr int64_t SpareDrawables = 8; // a layer holds one to three textures and what they are made of, as the frames overlap; a leak would show 25 times
 
 class Growth : public support::ContextTest, public testing::WithParamInterface<bool>
 {
