@@ -98,7 +98,8 @@ int convert(const std::array<BlendRow, N>& table, uint64_t& out, uint32_t value)
 void configure(MTL::RenderPipelineColorAttachmentDescriptor* attachment, const RenderPipelineCache::Key& key, uint32_t i)
 {
     const GLBlendDescription& blend = key.glPipelineDesc.blend[i];
-    uint64_t operation = MTL::BlendOperationAdd, source = MTL::BlendFactorOne, destination = MTL::BlendFactorZero; // for unknown enumerants
+    // Kept on purpose: [blend-fallback] enumerants that are not known blend with these, and no error says so.
+    uint64_t operation = MTL::BlendOperationAdd, source = MTL::BlendFactorOne, destination = MTL::BlendFactorZero;
     convertBlendOperation(operation, blend.equation);
     convertBlendFactor(source, blend.srcFactor);
     convertBlendFactor(destination, blend.dstFactor);

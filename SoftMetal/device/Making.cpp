@@ -133,16 +133,39 @@ MTL::SamplerState* MTL::Device::newSamplerState(const SamplerDescriptor* descrip
     const auto& d = *cast<SamplerDescriptorObject>(descriptor);
     MTL::SamplerState* result = api(new SamplerStateObject(self(this), d));
     note(this, "newSamplerState", arg("minFilter", d.minFilter), arg("magFilter", d.magFilter), arg("mipFilter", d.mipFilter), arg("s", d.sAddressMode), arg("t", d.tAddressMode),
-         arg("r", d.rAddressMode), arg("normalized", d.normalizedCoordinates), arg("anisotropy", d.maxAnisotropy), arg("result", pointer(result)));
+         arg("r", d.rAddressMode), arg("normalized", d.normalizedCoordinates), arg("anisotropy", d.maxAnisotropy), arg("border", d.borderColor), arg("lodMin", d.lodMinClamp),
+         arg("lodMax", d.lodMaxClamp), arg("result", pointer(result)));
     return result;
 }
+
+namespace {
+
+/// What a face's stencil test says; a face without one has the descriptor's defaults.
+void noteStencil(std::vector<SoftMetal::LogArgument>& arguments, const std::string& face, const softmetal::Object* stencil)
+{
+    const auto* s = dynamic_cast<const StencilDescriptorObject*>(stencil);
+    if (!s) return;
+    auto add = [&](const char* name, uint64_t value) { arguments.push_back({face + name, static_cast<double>(value), nullptr, {}}); };
+    add("Compare", s->stencilCompareFunction);
+    add("Fail", s->stencilFailureOperation);
+    add("DepthFail", s->depthFailureOperation);
+    add("Pass", s->depthStencilPassOperation);
+    add("ReadMask", s->readMask);
+    add("WriteMask", s->writeMask);
+}
+
+} // namespace
 
 MTL::DepthStencilState* MTL::Device::newDepthStencilState(const DepthStencilDescriptor* descriptor)
 {
     if (inspect::fails("newDepthStencilState") || !require(descriptor != nullptr, Rule::DeviceNilDescriptor, "newDepthStencilState")) return nullptr;
     const auto& d = *cast<DepthStencilDescriptorObject>(descriptor);
     MTL::DepthStencilState* result = api(new DepthStencilStateObject(self(this), d));
-    note(this, "newDepthStencilState", arg("compare", d.depthCompareFunction), arg("write", d.depthWriteEnabled), arg("result", pointer(result)));
+    if (!inspect::logging()) return result;
+    std::vector<SoftMetal::LogArgument> arguments{arg("compare", d.depthCompareFunction), arg("write", d.depthWriteEnabled), arg("result", pointer(result))};
+    noteStencil(arguments, "front", d.frontFaceStencil.get());
+    noteStencil(arguments, "back", d.backFaceStencil.get());
+    inspect::logCall(this, "newDepthStencilState", std::move(arguments));
     return result;
 }
 
@@ -176,6 +199,34 @@ MTL::Library* MTL::Device::newLibrary(const NS::String* source, const CompileOpt
 
 MTL::Library* MTL::Device::newDefaultLibrary() { return nullptr; } // a process on this platform carries none
 
+namespace {
+
+/// Formats, and for each colour attachment that was asked for its blending: "writeMask2" is that of attachment 2.
+void notePipeline(const MTL::Device* device, const RenderPipelineDescriptorObject& d, const MTL::RenderPipelineState* result)
+{
+    if (!inspect::logging()) return;
+    std::vector<SoftMetal::LogArgument> arguments{arg("result", pointer(result)), arg("vertexFunction", static_cast<const void*>(d.vertexFunction.get())),
+                                                  arg("fragmentFunction", static_cast<const void*>(d.fragmentFunction.get())),
+                                                  arg("depthFormat", d.depthAttachmentPixelFormat), arg("stencilFormat", d.stencilAttachmentPixelFormat)};
+    for (size_t i = 0; i < d.colorAttachments->size(); ++i) {
+        const auto* c = d.colorAttachments->known(i);
+        if (!c) continue;
+        auto add = [&](const char* name, uint64_t value) { arguments.push_back({name + std::to_string(i), static_cast<double>(value), nullptr, {}}); };
+        add("format", c->pixelFormat);
+        add("blending", c->blendingEnabled);
+        add("rgbOperation", c->rgbBlendOperation);
+        add("alphaOperation", c->alphaBlendOperation);
+        add("sourceRGB", c->sourceRGBBlendFactor);
+        add("sourceAlpha", c->sourceAlphaBlendFactor);
+        add("destinationRGB", c->destinationRGBBlendFactor);
+        add("destinationAlpha", c->destinationAlphaBlendFactor);
+        add("writeMask", c->writeMask);
+    }
+    inspect::logCall(device, "newRenderPipelineState", std::move(arguments));
+}
+
+} // namespace
+
 MTL::RenderPipelineState* MTL::Device::newRenderPipelineState(const RenderPipelineDescriptor* descriptor, NS::Error** error)
 {
     std::string why;
@@ -183,7 +234,7 @@ MTL::RenderPipelineState* MTL::Device::newRenderPipelineState(const RenderPipeli
     if (inspect::fails("newRenderPipelineState")) why = "the pipeline state could not be made (injected fault)";
     else if (!descriptor) why = "the descriptor must not be nil";
     else state = RenderPipelineStateObject::make(self(this), *cast<RenderPipelineDescriptorObject>(descriptor), why);
-    note(this, "newRenderPipelineState", arg("result", pointer(api(state))));
+    if (descriptor) notePipeline(this, *cast<RenderPipelineDescriptorObject>(descriptor), api(state));
     if (!state) report(error, "MTLRenderPipelineErrorDomain", 1, why);
     return api(state);
 }
