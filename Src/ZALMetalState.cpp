@@ -131,7 +131,7 @@ void EncodeSetViewport(MTL::RenderCommandEncoder* encoder, ZALGLState* state)
         y = static_cast<int32_t>(static_cast<uint32_t>(y) + static_cast<uint32_t>(height));
         height = static_cast<int32_t>(0u - static_cast<uint32_t>(height));
     }
-    // Kept on purpose: [no-depth-range] glDepthRange has no part in it: depth always goes from 0 to 1.
+    // depth always goes from 0 to 1: there is no call that sets a range
     encoder->setViewport({static_cast<double>(x), static_cast<double>(y), static_cast<double>(width), static_cast<double>(height), 0.0, 1.0});
 }
 

@@ -167,15 +167,17 @@ void Machine::change(std::mt19937& random)
     }
     glBufferData(GL_ARRAY_BUFFER, sizeof attributes_, attributes_.data(), GL_STATIC_DRAW);
 
-    const Matrix modelview = randomMatrix(random), projection = randomMatrix(random);
-    inputs_.matrices = {{"modelview", modelview}, {"projection", projection}, {"mvp", product(projection, modelview)}};
+    // What programs see of the projection goes to depths from 0 to 1; of the texture matrices, that of unit 2 does so too.
+    const Matrix correction = {{{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 0.5, 0.5}, {0, 0, 0, 1}}};
+    const Matrix modelview = randomMatrix(random), projection = randomMatrix(random), corrected = product(correction, projection);
+    inputs_.matrices = {{"modelview", modelview}, {"projection", corrected}, {"mvp", product(corrected, modelview)}};
     glMatrixMode(GL_PROJECTION);
     loadMatrix(projection);
     glMatrixMode(GL_MODELVIEW);
     loadMatrix(modelview);
     for (GLenum unit = 0; unit < 4; ++unit) {
         Matrix m = randomMatrix(random);
-        inputs_.matrices["texture[" + std::to_string(unit) + "]"] = m;
+        inputs_.matrices["texture[" + std::to_string(unit) + "]"] = unit == 2 ? product(correction, m) : m;
         glActiveTextureARB(GL_TEXTURE0 + unit);
         glMatrixMode(GL_TEXTURE);
         loadMatrix(m);

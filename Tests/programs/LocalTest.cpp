@@ -40,8 +40,8 @@ TEST_F(Local, NeedABoundProgram)
     glBindProgramARB(GL_FRAGMENT_PROGRAM_ARB, 0);
     glProgramLocalParameter4fvARB(GL_FRAGMENT_PROGRAM_ARB, 0, floats);
     EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_INVALID_OPERATION));
-    glBindProgramARB(GL_FRAGMENT_PROGRAM_ARB, names[1]);
-    glDeleteProgramsARB(1, &names[1]);
+    glBindProgramARB(GL_FRAGMENT_PROGRAM_ARB, programNames[1]);
+    glDeleteProgramsARB(1, &programNames[1]);
     glProgramLocalParameter4fvARB(GL_FRAGMENT_PROGRAM_ARB, 0, floats);
     EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_INVALID_OPERATION));
 }

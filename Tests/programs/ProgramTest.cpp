@@ -16,7 +16,7 @@ TEST_F(Program, BindingReplacesTheNameAndEndsThePass)
     glGenProgramsARB(1, &other);
     commands().getOrCreateCommandEncoder(&gl());
     clearLog();
-    glBindProgramARB(GL_VERTEX_PROGRAM_ARB, names[0]); // bound already
+    glBindProgramARB(GL_VERTEX_PROGRAM_ARB, programNames[0]); // bound already
     EXPECT_EQ(count("endEncoding"), 0u);
     glBindProgramARB(GL_VERTEX_PROGRAM_ARB, other);
     EXPECT_EQ(count("endEncoding"), 1u);
@@ -30,7 +30,7 @@ TEST_F(Program, BindingDoesNotCreateObjects)
 {
     glBindProgramARB(GL_VERTEX_PROGRAM_ARB, 99);
     EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_INVALID_VALUE));
-    EXPECT_EQ(gl().pipelineDescription.boundProgramVertex, names[0]);
+    EXPECT_EQ(gl().pipelineDescription.boundProgramVertex, programNames[0]);
 }
 
 TEST_F(Program, BadTargetsAreInvalidValue)
@@ -38,7 +38,7 @@ TEST_F(Program, BadTargetsAreInvalidValue)
     const float zeros[4] = {};
     const double doubles[4] = {};
     const std::function<void()> calls[] = {
-        [&] { glBindProgramARB(GL_TEXTURE_2D, names[0]); },
+        [&] { glBindProgramARB(GL_TEXTURE_2D, programNames[0]); },
         [&] { glProgramStringARB(GL_TEXTURE_2D, GL_PROGRAM_FORMAT_ASCII_ARB, 4, "text"); },
         [&] { glProgramLocalParameter4fvARB(GL_TEXTURE_2D, 0, zeros); },
         [&] { glProgramLocalParameter4dvARB(GL_TEXTURE_2D, 0, doubles); },
@@ -101,8 +101,8 @@ TEST_F(Program, DeletingABoundOneKeepsItsNameBound)
     setUpTriangle();
     draw();
     EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
-    glDeleteProgramsARB(1, &names[1]);
-    EXPECT_EQ(gl().pipelineDescription.boundProgramFragment, names[1]);
+    glDeleteProgramsARB(1, &programNames[1]);
+    EXPECT_EQ(gl().pipelineDescription.boundProgramFragment, programNames[1]);
     EXPECT_EQ(getBoundProgram(&gl(), GL_FRAGMENT_PROGRAM_ARB), nullptr);
     draw();
     EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_INVALID_OPERATION));
@@ -131,10 +131,10 @@ TEST_F(Program, DeletingReleasesLibraryAndFunctions)
     fragment().GetFragmentMTLFunction({});
     EXPECT_EQ(SoftMetal::objectsAlive("MTL::Library"), libraries + 1);
     EXPECT_EQ(SoftMetal::objectsAlive("MTL::Function"), functions + 1);
-    glDeleteProgramsARB(0, names);
-    glDeleteProgramsARB(-1, names);
+    glDeleteProgramsARB(0, programNames);
+    glDeleteProgramsARB(-1, programNames);
     EXPECT_EQ(SoftMetal::objectsAlive("MTL::Library"), libraries + 1);
-    glDeleteProgramsARB(2, names);
+    glDeleteProgramsARB(2, programNames);
     EXPECT_EQ(SoftMetal::objectsAlive("MTL::Library"), libraries);
     EXPECT_EQ(SoftMetal::objectsAlive("MTL::Function"), functions);
 }
@@ -143,10 +143,10 @@ TEST_F(Program, WithoutAContextCallsReturn)
 {
     ZALMetalContextMakeCurrent(nullptr);
     const float zeros[4] = {};
-    glBindProgramARB(GL_VERTEX_PROGRAM_ARB, names[0]);
+    glBindProgramARB(GL_VERTEX_PROGRAM_ARB, programNames[0]);
     glProgramStringARB(GL_VERTEX_PROGRAM_ARB, GL_PROGRAM_FORMAT_ASCII_ARB, 4, "text");
     glProgramLocalParameter4fvARB(GL_VERTEX_PROGRAM_ARB, 0, zeros);
-    glDeleteProgramsARB(1, names);
+    glDeleteProgramsARB(1, programNames);
     ZALMetalContextMakeCurrent(context);
     EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
     EXPECT_NE(getBoundProgram(&gl(), GL_VERTEX_PROGRAM_ARB), nullptr);

@@ -23,15 +23,17 @@ inline std::string metalSource(const std::string& declarations)
 class ProgramTest : public support::ContextTest
 {
 protected:
+    explicit ProgramTest(SoftMetal::DeviceOptions options = {}) : ContextTest(std::move(options)) {}
+
     void SetUp() override
     {
         ContextTest::SetUp();
         if (HasFatalFailure()) return;
         attachTextures(4, 4);
         glViewport(0, 0, 4, 4);
-        glGenProgramsARB(2, names);
-        glBindProgramARB(GL_VERTEX_PROGRAM_ARB, names[0]);
-        glBindProgramARB(GL_FRAGMENT_PROGRAM_ARB, names[1]);
+        glGenProgramsARB(2, programNames);
+        glBindProgramARB(GL_VERTEX_PROGRAM_ARB, programNames[0]);
+        glBindProgramARB(GL_FRAGMENT_PROGRAM_ARB, programNames[1]);
         clearLog();
     }
 
@@ -76,7 +78,7 @@ protected:
         return position;
     }
 
-    GLuint names[2] = {};
+    GLuint programNames[2] = {};
 };
 
 } // namespace programs
