@@ -20,6 +20,9 @@ struct Row
 /// Maps of 10 to 100 000 keys beside the standard library's; templates filled beside a formatting library.
 std::vector<Row> foundation();
 
+/// Draws on a device that throws its work away: GL's calls beside the Metal calls that they become, made directly.
+std::vector<Row> draws();
+
 /// Setters of GL state, with a value that changes.
 std::vector<Row> setters();
 

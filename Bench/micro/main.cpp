@@ -16,6 +16,7 @@ struct Section
 };
 
 constexpr std::array Sections = {
+    Section{"draws", micro::draws},
     Section{"foundation", micro::foundation},
     Section{"setters", micro::setters},
     Section{"translation", micro::translation},

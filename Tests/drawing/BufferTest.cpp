@@ -36,7 +36,8 @@ protected:
 };
 INSTANTIATE_TEST_SUITE_P(Devices, Buffer, testing::Values(false, true), routeName);
 
-TEST_P(Buffer, BindingDoesNotLookAtTheName)
+/// A name that was never generated can be bound; using it is the error.
+TEST_P(Buffer, Kept_bind_any_buffer)
 {
     glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 777);
     EXPECT_EQ(error(), NoError);
