@@ -4,16 +4,16 @@
 #include "ZALGLFunctionsDraw.h"
 
 #include "SamplerDescriptor.h"
+#include "StateMatrices.h"
 #include "ZALGLContextObjects.h"
 #include "ZALMetalContext.h"
 #include "ZALMetalState.h"
 
 #include <algorithm>
+#include <bit>
 #include <cfloat>
 #include <cmath>
 #include <cstring>
-
-#include <simd/simd.h>
 
 namespace {
 
@@ -121,8 +121,9 @@ template <class Key>
 int prepareTexturesAndSamplers(ZALGLState* gl, MTL::Device* device, const ShaderBindings& bindings, SamplerMap& slots, int& samplerCount,
                                MTL::Texture** textures, MTL::SamplerState** samplers, Key& key)
 {
-    for (int i = 0; i < TextureUnits; ++i) {
-        if (!(bindings.textureUnitMask >> i & 1) || bindings.textureTargets[i] == 0) continue;
+    for (uint32_t units = bindings.textureUnitMask; units != 0; units &= units - 1) {
+        int i = std::countr_zero(units);
+        if (bindings.textureTargets[i] == 0) continue;
         uint32_t slot = convertBindTextureTargetToBindingSlotIndex(bindings.textureTargets[i]);
         if (slot > 4) {
             SetCurrentError(gl, GL_INVALID_OPERATION);
@@ -229,51 +230,11 @@ int installPipeline(ZALGLState* gl, MTL::RenderCommandEncoder* encoder, ZALMetal
     return 0;
 }
 
-// ---- matrices ----------------------------------------------------------------------------------------------------------------
-
-/// Layout of the matrix block in generated source: modelview, projection, mvp, four texture matrices; then the inverses,
-/// the transposes, and the transposed inverses of the same.
-struct StateMatrixData
-{
-    simd_float4x4 plain[7], inverse[7], transpose[7], inverseTranspose[7];
-};
-static_assert(sizeof(StateMatrixData) == 1792);
-
-simd_float4x4 topOf(const ZALGLState::MatrixStack& stack)
-{
-    simd_float4x4 result;
-    std::memcpy(&result, stack.entries[stack.depth], sizeof result);
-    return result;
-}
-
-/// From GL's clip space to Metal's: depth from 0 to 1, and y turned where the viewport does not do it.
-simd_float4x4 clipCorrection(const ZALGLState& gl)
-{
-    float y = gl.isIntelDevice ? -1.0f : 1.0f;
-    return simd_matrix(simd_float4{1, 0, 0, 0}, simd_float4{0, y, 0, 0}, simd_float4{0, 0, 0.5f, 0}, simd_float4{0, 0, 0.5f, 1});
-}
-
-void fillMatrices(const ZALGLState& gl, StateMatrixData& m)
-{
-    simd_float4x4 correction = clipCorrection(gl);
-    m.plain[0] = topOf(gl.matrixStacks[0]);
-    m.plain[1] = simd_mul(correction, topOf(gl.matrixStacks[1]));
-    m.plain[2] = simd_mul(m.plain[1], m.plain[0]);
-    for (int i = 0; i < 4; ++i) m.plain[3 + i] = topOf(gl.matrixStacks[2 + i]);
-    // Kept on purpose: [texture-matrix-2] the texture matrix of unit 2, and only that one, is multiplied by the correction.
-    m.plain[5] = simd_mul(correction, m.plain[5]);
-    for (int i : {0, 1, 3, 4, 5, 6}) m.inverse[i] = simd_inverse(m.plain[i]);
-    m.inverse[2] = simd_mul(m.inverse[0], m.inverse[1]);
-    for (int i = 0; i < 7; ++i) {
-        m.transpose[i] = simd_transpose(m.plain[i]);
-        m.inverseTranspose[i] = simd_transpose(m.inverse[i]);
-    }
-}
+// ---- constants ---------------------------------------------------------------------------------------------------------------
 
 void installConstants(ZALGLState* gl, MTL::RenderCommandEncoder* encoder, const ZALGLProgramObject& vertex, const ZALGLProgramObject& fragment)
 {
-    StateMatrixData matrices;
-    fillMatrices(*gl, matrices);
+    const StateMatrixData& matrices = StateMatricesOf(*gl);
     encoder->setVertexBytes(&matrices, sizeof matrices, StateMatrixSlot);
     encoder->setFragmentBytes(&matrices, sizeof matrices, StateMatrixSlot);
     encoder->setVertexBytes(vertex.locals, sizeof vertex.locals, LocalsSlot);

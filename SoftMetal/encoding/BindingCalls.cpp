@@ -95,6 +95,23 @@ void bindSampler(RenderEncoderObject& encoder, StageBindings& stage, const MTL::
     encoder.bindingChanged(stage);
 }
 
+/// Slots that hold the same as before, which most do, are passed over.
+void bindTextures(RenderEncoderObject& encoder, StageBindings& stage, const MTL::Texture* const* textures, NS::UInteger first, NS::UInteger count, const char* call)
+{
+    for (NS::UInteger i = 0; i < count; ++i) {
+        const abi::Texture* view = textures[i] ? &cast<TextureObject>(textures[i])->view : nullptr;
+        if (stage.table.textures[first + i] != view) bindTexture(encoder, stage, textures[i], first + i, call);
+    }
+}
+
+void bindSamplers(RenderEncoderObject& encoder, StageBindings& stage, const MTL::SamplerState* const* samplers, NS::UInteger first, NS::UInteger count, const char* call)
+{
+    for (NS::UInteger i = 0; i < count; ++i) {
+        const abi::Sampler* state = samplers[i] ? &cast<SamplerStateObject>(samplers[i])->state : nullptr;
+        if (stage.table.samplers[first + i] != state) bindSampler(encoder, stage, samplers[i], first + i, call);
+    }
+}
+
 void noteBuffer(const void* encoder, const char* call, const void* buffer, NS::UInteger offset, NS::UInteger index)
 {
     note(encoder, call, arg("buffer", buffer), arg("offset", offset), arg("index", index));
@@ -166,7 +183,7 @@ void MTL::RenderCommandEncoder::setVertexTextures(const Texture* const textures[
     noteRange(this, "setVertexTextures", "texture", textures, range);
     auto* e = opened(this, "setVertexTextures");
     NS::UInteger count = e ? slotsOf(textures, range, abi::MaxTextures, "setVertexTextures") : 0;
-    for (NS::UInteger i = 0; i < count; ++i) bindTexture(*e, e->vertex, textures[i], range.location + i, "setVertexTextures");
+    if (e) bindTextures(*e, e->vertex, textures, range.location, count, "setVertexTextures");
 }
 
 void MTL::RenderCommandEncoder::setVertexSamplerState(const SamplerState* sampler, NS::UInteger index)
@@ -180,7 +197,7 @@ void MTL::RenderCommandEncoder::setVertexSamplerStates(const SamplerState* const
     noteRange(this, "setVertexSamplerStates", "sampler", samplers, range);
     auto* e = opened(this, "setVertexSamplerStates");
     NS::UInteger count = e ? slotsOf(samplers, range, abi::MaxSamplers, "setVertexSamplerStates") : 0;
-    for (NS::UInteger i = 0; i < count; ++i) bindSampler(*e, e->vertex, samplers[i], range.location + i, "setVertexSamplerStates");
+    if (e) bindSamplers(*e, e->vertex, samplers, range.location, count, "setVertexSamplerStates");
 }
 
 // ---- fragment stage ----------------------------------------------------------------------------------------------------------
@@ -222,7 +239,7 @@ void MTL::RenderCommandEncoder::setFragmentTextures(const Texture* const texture
     noteRange(this, "setFragmentTextures", "texture", textures, range);
     auto* e = opened(this, "setFragmentTextures");
     NS::UInteger count = e ? slotsOf(textures, range, abi::MaxTextures, "setFragmentTextures") : 0;
-    for (NS::UInteger i = 0; i < count; ++i) bindTexture(*e, e->fragment, textures[i], range.location + i, "setFragmentTextures");
+    if (e) bindTextures(*e, e->fragment, textures, range.location, count, "setFragmentTextures");
 }
 
 void MTL::RenderCommandEncoder::setFragmentSamplerState(const SamplerState* sampler, NS::UInteger index)
@@ -236,5 +253,5 @@ void MTL::RenderCommandEncoder::setFragmentSamplerStates(const SamplerState* con
     noteRange(this, "setFragmentSamplerStates", "sampler", samplers, range);
     auto* e = opened(this, "setFragmentSamplerStates");
     NS::UInteger count = e ? slotsOf(samplers, range, abi::MaxSamplers, "setFragmentSamplerStates") : 0;
-    for (NS::UInteger i = 0; i < count; ++i) bindSampler(*e, e->fragment, samplers[i], range.location + i, "setFragmentSamplerStates");
+    if (e) bindSamplers(*e, e->fragment, samplers, range.location, count, "setFragmentSamplerStates");
 }
