@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ProgramFiles.h"
 
-#include <AppKit/AppKit.hpp>
+#include "ZALMetalLog.h"
 
 #include <cstdint>
 #include <cstdio>
@@ -45,7 +45,7 @@ void DumpProgram(bool isVertexProgram, std::string_view program, const ZALM::Str
     if (!folder) return;
     bool written = write(pathOf(folder, program, isVertexProgram ? ".vp" : ".fp"), program) &&
                    write(pathOf(folder, program, ".metal"), {source.Buffer(), static_cast<size_t>(source.GetStringBytes())});
-    if (!written) NSLog("ZAL Metal, a program cannot be written to %s", folder);
+    if (!written) Log(ZALMetalLogLevelError, "ZAL Metal, a program cannot be written to %s", folder);
 }
 
 void ReplaceProgramSource(std::string_view program, ZALM::String& source)
@@ -60,7 +60,7 @@ void ReplaceProgramSource(std::string_view program, ZALM::String& source)
     while (size_t count = std::fread(part, 1, sizeof part, file)) text.append(part, count);
     std::fclose(file);
     source.SetUTF8Buffer(text.c_str(), -1); // a file ends at its first NUL, as programs do
-    NSLog("ZAL Metal, the source of a program is replaced by %s", path.c_str());
+    Log(ZALMetalLogLevelInfo, "ZAL Metal, the source of a program is replaced by %s", path.c_str());
 }
 
 } // namespace ZALMetal

@@ -2,10 +2,10 @@
 #include "RenderPipelineCache.h"
 
 #include "BlendTable.h"
+#include "ZALMetalLog.h"
 #include "ZALMetalState.h"
 
-#include <AppKit/AppKit.hpp>
-
+#include <chrono>
 #include <cstring>
 
 namespace {
@@ -52,6 +52,19 @@ bool RenderPipelineCache::Key::operator<(const Key& other) const
     return fragmentProgramKey < other.fragmentProgramKey;
 }
 
+namespace {
+
+void countBuild(const MTL::RenderPipelineState* state, std::chrono::steady_clock::duration taken)
+{
+    const double milliseconds = std::chrono::duration<double, std::milli>(taken).count();
+    ZALMetal::g_counters.pipelineMilliseconds += milliseconds;
+    if (!state) return;
+    ++ZALMetal::g_counters.pipelines;
+    ZALMetal::Log(ZALMetalLogLevelDebug, "ZAL Metal, a pipeline state was built in %.1f ms", milliseconds);
+}
+
+} // namespace
+
 RenderPipelineCache::~RenderPipelineCache()
 {
     for (auto* cell = _map.begin(); cell; cell = _map.next())
@@ -62,7 +75,9 @@ MTL::RenderPipelineState* RenderPipelineCache::getOrCreate(MTL::Device* device, 
 {
     if (auto* cell = _map.find(key)) return cell->value.state;
     MTL::RenderPipelineState* state = nullptr;
+    const auto begin = std::chrono::steady_clock::now();
     buildMtlPipelineState(state, device, programs, key); // a failure is remembered as null
+    countBuild(state, std::chrono::steady_clock::now() - begin);
     bool inserted = false;
     if (_map.insert(inserted, key, {state}) == ZALM::Success && inserted) return state;
     if (state) state->release();
@@ -141,7 +156,7 @@ int buildMtlPipelineState(MTL::RenderPipelineState*& out, MTL::Device* device, Z
     if (descriptor->vertexFunction() && descriptor->fragmentFunction()) {
         NS::Error* error = nullptr;
         out = device->newRenderPipelineState(descriptor, &error);
-        if (!out) NSLog("buildMtlPipelineState, Failed to create pipeline state, error %@", error);
+        if (!out) Log(ZALMetalLogLevelError, "buildMtlPipelineState, Failed to create pipeline state, error %s", InWords(error));
     }
     descriptor->release();
     pool->release();

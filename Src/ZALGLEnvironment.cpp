@@ -2,7 +2,7 @@
 // The debugging switches of the state record, read from the environment. Only context creation calls this.
 #include "ZALGLState.h"
 
-#include <AppKit/AppKit.hpp>
+#include "ZALMetalLog.h"
 
 #include <charconv>
 #include <cstdlib>
@@ -35,7 +35,7 @@ template <class Field>
 void readSwitch(const char* name, Field& field)
 {
     const char* text = std::getenv(name);
-    if (text && !parse(text, field)) NSLog("ZAL Metal, ignoring %s, its value \"%s\" cannot be read.", name, text);
+    if (text && !parse(text, field)) ZALMetal::Log(ZALMetalLogLevelWarn, "ZAL Metal, ignoring %s, its value \"%s\" cannot be read.", name, text);
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 // Chapters: binding, data.
 #include "ZALGLContextObjects.h"
 #include "ZALMetalData.h"
+#include "ZALMetalLog.h"
 #include "ZALMetalState.h"
 
 #include <cstring>
@@ -68,6 +69,7 @@ void glBufferData(GLenum target, GLsizeiptr size, const void* data, GLenum)
     MTL::Device* device = GetCurrentMetalData()->device;
     MTL::Buffer* buffer = data ? device->newBuffer(data, length, MTL::ResourceStorageModeManaged) : device->newBuffer(length, MTL::ResourceStorageModeManaged);
     if (!buffer) return SetCurrentError(gl, GL_OUT_OF_MEMORY);
+    if (data) ZALMetal::g_counters.bytesUploaded += length;
     if (gl->isIntelDevice) buffer->didModifyRange(NS::Range(0, length));
     object->SetMTLBuffer(buffer);
 }
@@ -87,6 +89,7 @@ void glBufferSubData(GLenum target, GLintptr offset, GLsizeiptr size, const void
     if (!inside) return SetCurrentError(gl, GL_INVALID_OPERATION);
     if (!buffer) return;
 
+    ZALMetal::g_counters.bytesUploaded += static_cast<uint64_t>(size);
     if (gl->isIntelDevice && offset % 4 == 0 && size >= StagedUpdate) return updateOnGpu(gl, buffer, offset, size, data);
     // Kept on purpose: [sub-data-in-use] draws that are still queued may see the new contents: nothing waits for them.
     if (size > 0) std::memcpy(static_cast<char*>(buffer->contents()) + offset, data, static_cast<size_t>(size));

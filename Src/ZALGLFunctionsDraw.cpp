@@ -7,6 +7,7 @@
 #include "StateMatrices.h"
 #include "ZALGLContextObjects.h"
 #include "ZALMetalContext.h"
+#include "ZALMetalLog.h"
 #include "ZALMetalState.h"
 
 #include <algorithm>
@@ -303,6 +304,7 @@ void drawIndexed(ZALGLState* gl, MTL::RenderCommandEncoder* encoder, uint64_t pr
     ZALGLBufferObject* bufferObject = gl->contextObjects->buffers.Find(glBufferId);
     if (!bufferObject) ZALMetal::AssertionFailed("glDrawElements", Source, "bufferObject");
     if (count <= 0) return;
+    ++ZALMetal::g_counters.draws;
     encoder->drawIndexedPrimitives(static_cast<MTL::PrimitiveType>(primitive), static_cast<NS::UInteger>(count), indexType, bufferObject->GetMTLBuffer(), offset, 1);
 }
 
@@ -338,8 +340,9 @@ void glDrawElements(GLenum mode, GLsizei count, GLenum type, const void* indices
     auto offset = reinterpret_cast<NS::UInteger>(indices);
     if (mode == GL_POINTS && program->expandsPoints) {
         constexpr NS::UInteger HexagonCorners = 6;
-        if (count > 0)
-            encoder->drawPrimitives(MTL::PrimitiveTypeTriangleStrip, NS::UInteger(0), HexagonCorners, static_cast<NS::UInteger>(count), offset / (shortIndices ? 2 : 4));
+        if (count <= 0) return;
+        ++ZALMetal::g_counters.draws;
+        encoder->drawPrimitives(MTL::PrimitiveTypeTriangleStrip, NS::UInteger(0), HexagonCorners, static_cast<NS::UInteger>(count), offset / (shortIndices ? 2 : 4));
         return;
     }
     drawIndexed(gl, encoder, primitive, count, shortIndices ? MTL::IndexTypeUInt16 : MTL::IndexTypeUInt32, offset);

@@ -3,6 +3,7 @@
 #include "ZALGLBeginEnd.h"
 #include "ZALGLFunctionsDraw.h"
 #include "ZALGLProgramObject.h"
+#include "ZALMetalLog.h"
 #include "ZALMetalState.h"
 
 #include <algorithm>
@@ -56,6 +57,7 @@ void drawCollected(ZALGLState* gl, MTL::RenderCommandEncoder* encoder, ZALGLProg
     ZALMetal::VertexProgramSpecializationKey key = {};
     key.attributeMask = collected.vertexMask;
     if (internal_InstallMetalState(encoder, descriptor, key) != 0 || count == 0) return;
+    ++ZALMetal::g_counters.draws;
     encoder->drawPrimitives(static_cast<MTL::PrimitiveType>(primitive), NS::UInteger(0), count, NS::UInteger(1), NS::UInteger(0));
 }
 

@@ -4,6 +4,7 @@
 #include "ShaderString.h"
 #include "ZALGLContextObjects.h"
 #include "ZALMetalData.h"
+#include "ZALMetalLog.h"
 #include "ZALMetalState.h"
 
 #include <cstdio>
@@ -152,7 +153,7 @@ void glProgramStringARB(GLenum target, GLenum format, GLsizei len, const void* s
         ZALMetal::TranslationReport report;
         source.Append(characters, length);
         if (source.GLSLTranslation(text, program->bindings, &report) != 0) {
-            NSLog("ZAL Metal, a program cannot be translated, line %d: %s", report.line, report.statement.Buffer());
+            ZALMetal::Log(ZALMetalLogLevelError, "ZAL Metal, a program cannot be translated, line %d: %s", report.line, report.statement.Buffer());
             return SetCurrentError(gl, GL_INVALID_OPERATION);
         }
     } else if (!readDeclarations(text.Buffer(), *program)) {

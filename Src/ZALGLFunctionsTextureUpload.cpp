@@ -3,8 +3,10 @@
 #include "ScopedPool.h"
 #include "ZALGLContextObjects.h"
 #include "ZALGLFunctionsTexture.h"
+#include "ZALMetalLog.h"
 #include "ZALMetalState.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 
@@ -104,6 +106,7 @@ void uploadConverted(const ConversionPath& path, const Destination& d, const uin
         }
     }
     std::free(row);
+    ZALMetal::g_counters.bytesUploaded += rowBytes * static_cast<size_t>(std::max(d.height, 0)) * static_cast<size_t>(std::max(d.depth, 0));
 }
 
 void uploadDirect(const DirectPath& path, const Destination& d, const void* pixels)
@@ -114,6 +117,7 @@ void uploadDirect(const DirectPath& path, const Destination& d, const void* pixe
     // Kept on purpose: [direct-upload-origin] the direct path always writes at the origin, whatever offsets a sub-image has.
     d.texture->replaceRegion(MTL::Region(0, 0, 0, u(d.width), u(d.height), u(d.depth)), u(d.level), u(d.face), pixels, fastPathBytesPerRow,
                              u(d.height) * fastPathBytesPerRow);
+    ZALMetal::g_counters.bytesUploaded += fastPathBytesPerRow * u(d.height) * u(d.depth);
 }
 
 /// Replaces a texture of one level by one with the whole chain, and keeps the first level's contents.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "ZALMetalLog.h"
 #include "foundation/Map.h"
 
 #include <cstdint>
@@ -13,7 +14,7 @@ public:
     ~ZALGLObjectStore()
     {
         for (auto* cell = objects.begin(); cell; cell = objects.next())
-            delete cell->value;
+            Destroy(cell->value);
     }
 
     /// The object, or null for a name that has none.
@@ -34,7 +35,7 @@ public:
     {
         auto* cell = objects.find(name);
         if (!cell) return;
-        delete cell->value;
+        Destroy(cell->value);
         objects.erase(name);
     }
 
@@ -46,9 +47,16 @@ private:
     {
         uint32_t name = nextName++;
         auto* object = new T;
+        ++ZALMetal::g_counters.objects;
         bool inserted = false;
         if (objects.insert(inserted, name, object) == ZALM::Success && inserted) return name;
-        delete object;
+        Destroy(object);
         return 0;
+    }
+
+    static void Destroy(T* object)
+    {
+        --ZALMetal::g_counters.objects;
+        delete object;
     }
 };

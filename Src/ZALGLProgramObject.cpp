@@ -2,8 +2,7 @@
 #include "ZALGLProgramObject.h"
 
 #include "ZALGLContextObjects.h"
-
-#include <AppKit/AppKit.hpp>
+#include "ZALMetalLog.h"
 
 #include <cstring>
 
@@ -44,7 +43,7 @@ MTL::Function* makeFunction(MTL::Library* library, MTL::FunctionConstantValues* 
     values->setConstantValues(swizzles, MTL::DataTypeUInt, NS::Range(SwizzleConstants, Units));
     NS::Error* error = nullptr;
     MTL::Function* function = library ? library->newFunction(NS::String::string("ShaderFunc", NS::UTF8StringEncoding), values, &error) : nullptr;
-    if (error) NSLog("ZAL Metal, Failed to specialise a program, error %s", error->localizedDescription()->utf8String());
+    if (error) ZALMetal::Log(ZALMetalLogLevelError, "ZAL Metal, Failed to specialise a program, error %s", error->localizedDescription()->utf8String());
     values->release();
     pool->release();
     return function;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ZALMetalBlitter.h"
 
+#include "ZALMetalLog.h"
+
 #include <AppKit/AppKit.hpp>
 #include <Foundation/Foundation.hpp>
 
@@ -76,6 +78,7 @@ MTL::RenderCommandEncoder* openPass(MTL::CommandBuffer* commandBuffer, const Tar
         color->setLevel(target.level);
     }
     MTL::RenderCommandEncoder* encoder = commandBuffer->renderCommandEncoder(pass);
+    ++ZALMetal::g_counters.passes;
     pass->release();
     return encoder;
 }
@@ -108,6 +111,7 @@ MTL::RenderPipelineState* newPipeline(ZALMetalBlitter* blitter, MTL::Device* dev
         d->setFragmentFunction(blitter->colorFunction);
     }
     MTL::RenderPipelineState* state = device->newRenderPipelineState(d, error);
+    if (state) ++ZALMetal::g_counters.pipelines;
     d->release();
     layout->release();
     return state;
@@ -122,6 +126,7 @@ void drawQuad(MTL::RenderCommandEncoder* encoder, MTL::Texture* src, const MTL::
     encoder->setVertexBytes(quad, sizeof quad, 0);
     encoder->setViewport(MTL::Viewport{static_cast<double>(at.x), static_cast<double>(at.y), static_cast<double>(size.width), static_cast<double>(size.height), 0, 1});
     encoder->setFragmentTexture(src, 0);
+    ++ZALMetal::g_counters.draws;
     encoder->drawPrimitives(MTL::PrimitiveTypeTriangleStrip, NS::UInteger(0), NS::UInteger(4), NS::UInteger(1));
 }
 
@@ -178,7 +183,7 @@ bool CopyTexSubImage2D(ZALMetalBlitter* blitter, MTL::Device* device, MTL::Comma
     NS::Error* error = nullptr;
     MTL::RenderPipelineState* pipeline = newPipeline(blitter, device, dst->pixelFormat(), depth, &error);
     if (!pipeline) { // the encoder is left open, as it always was
-        NSLog("CopyTexSubImage2D, Failed to create pipeline state, error %@", error);
+        ZALMetal::Log(ZALMetalLogLevelError, "CopyTexSubImage2D, Failed to create pipeline state, error %s", ZALMetal::InWords(error));
         commandBuffer->popDebugGroup();
         pool->release();
         return true;

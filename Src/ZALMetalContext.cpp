@@ -5,6 +5,7 @@
 #include "ScopedPool.h"
 #include "ZALGLContextObjects.h"
 #include "ZALMetalBlitter.h"
+#include "ZALMetalLog.h"
 #include "ZALMetalState.h"
 
 #include <cstdlib>
@@ -29,10 +30,10 @@ bool choose(const ZALGLState& gl, void* commandQueue, Chosen& out)
         return true;
     }
     if (gl.deviceIndex == -1) {
-        NSLog("ZAL Metal, selecting the system default device.");
+        ZALMetal::Log(ZALMetalLogLevelInfo, "ZAL Metal, selecting the system default device.");
         out.device = MTL::CreateSystemDefaultDevice();
     } else {
-        NSLog("ZAL Metal, selecting the device with index=%d", gl.deviceIndex);
+        ZALMetal::Log(ZALMetalLogLevelInfo, "ZAL Metal, selecting the device with index=%d", gl.deviceIndex);
         NS::Array* all = MTL::CopyAllDevices();
         auto index = static_cast<NS::UInteger>(static_cast<int64_t>(gl.deviceIndex));
         if (all && all->count() > index) out.device = all->object<MTL::Device>(index)->retain();
@@ -40,7 +41,7 @@ bool choose(const ZALGLState& gl, void* commandQueue, Chosen& out)
     }
     if (!out.device) return false;
     out.owned = true;
-    NSLog("ZAL Metal, selected the following MTLDevice : %@", out.device->name());
+    ZALMetal::Log(ZALMetalLogLevelInfo, "ZAL Metal, selected the following MTLDevice : %s", ZALMetal::InWords(out.device->name()));
     out.queue = out.device->newCommandQueue();
     return out.queue != nullptr;
 }
@@ -48,23 +49,23 @@ bool choose(const ZALGLState& gl, void* commandQueue, Chosen& out)
 void checkCapture(ZALGLState& gl)
 {
     if (!gl.enableDebugGPUCapture) return;
-    NSLog("enableDebugGPUCapture is set :");
+    ZALMetal::Log(ZALMetalLogLevelInfo, "enableDebugGPUCapture is set :");
     if (MTL::CaptureManager::sharedCaptureManager()->supportsDestination(MTL::CaptureDestinationGPUTraceDocument)) {
-        NSLog("- MTLCaptureManager supports MTLCaptureDestinationGPUTraceDocument");
+        ZALMetal::Log(ZALMetalLogLevelInfo, "- MTLCaptureManager supports MTLCaptureDestinationGPUTraceDocument");
         return;
     }
-    NSLog("- [!] MTLCaptureManager does not support MTLCaptureDestinationGPUTraceDocument");
-    NSLog("- enableDebugGPUCapture is disabled");
-    NSLog("- Did you forget to set 'Metal Capture Enabled' value set to YES in 'Info.plist' ?");
+    ZALMetal::Log(ZALMetalLogLevelWarn, "- [!] MTLCaptureManager does not support MTLCaptureDestinationGPUTraceDocument");
+    ZALMetal::Log(ZALMetalLogLevelWarn, "- enableDebugGPUCapture is disabled");
+    ZALMetal::Log(ZALMetalLogLevelWarn, "- Did you forget to set 'Metal Capture Enabled' value set to YES in 'Info.plist' ?");
     gl.enableDebugGPUCapture = 0;
 }
 
 bool sharesDevice(const ZALMetalContext* shareContext, MTL::Device* device)
 {
     if (!shareContext || shareContext->metalData->device == device) return true;
-    NSLog("All windows must use the same MTLDevice.");
-    NSLog("- ZALMetalContextInitFromMTLCommandQueue input command queue uses device named '%@'", device->name());
-    NSLog("- sharecontext uses device named '%@'", shareContext->metalData->device->name());
+    ZALMetal::Log(ZALMetalLogLevelError, "All windows must use the same MTLDevice.");
+    ZALMetal::Log(ZALMetalLogLevelError, "- ZALMetalContextInitFromMTLCommandQueue input command queue uses device named '%s'", ZALMetal::InWords(device->name()));
+    ZALMetal::Log(ZALMetalLogLevelError, "- sharecontext uses device named '%s'", ZALMetal::InWords(shareContext->metalData->device->name()));
     return false;
 }
 
@@ -143,7 +144,7 @@ int ZALMetalContextRelease(ZALMetalContext* context)
     ScopedPool pool;
     ZALMetalData* data = context->metalData;
     if (data->captureScope) {
-        NSLog("enableDebugGPUCapture: Ending GPU trace");
+        ZALMetal::Log(ZALMetalLogLevelInfo, "enableDebugGPUCapture: Ending GPU trace");
         data->metalState->commandBufferWaitUntilCompleted();
         data->captureScope->endScope();
         data->captureScope->release();

@@ -4,6 +4,7 @@
 #include "ZALGLContextObjects.h"
 #include "ZALMetalBlitter.h"
 #include "ZALMetalContext.h"
+#include "ZALMetalLog.h"
 #include "ZALMetalState.h"
 
 namespace {
@@ -66,7 +67,7 @@ void startCapture(ZALMetalContext* context)
     ZALMetalData* data = context->metalData;
     MTL::CaptureManager* manager = MTL::CaptureManager::sharedCaptureManager();
     MTL::CaptureScope* scope = manager->newCaptureScope(data->device);
-    if (!scope) return NSLog("enableDebugGPUCapture: Failed to start capture, failed to create scope");
+    if (!scope) return ZALMetal::Log(ZALMetalLogLevelError, "enableDebugGPUCapture: Failed to start capture, failed to create scope");
     scope->setLabel(text("ZAL Metal capture"));
     MTL::CaptureDescriptor* descriptor = MTL::CaptureDescriptor::alloc()->init();
     descriptor->setCaptureObject(reinterpret_cast<id>(scope));
@@ -74,15 +75,15 @@ void startCapture(ZALMetalContext* context)
     descriptor->setOutputURL(NS::URL::fileURLWithPath(text("ZALMetal.m.gputrace")));
     NS::Error* error = nullptr;
     if (manager->startCapture(descriptor, &error)) {
-        NSLog("enableDebugGPUCapture: GPU tracing to %@", descriptor->outputURL());
+        ZALMetal::Log(ZALMetalLogLevelInfo, "enableDebugGPUCapture: GPU tracing to %s", ZALMetal::InWords(descriptor->outputURL()));
         if (context->glState->debugCaptureAtStart) {
             scope->beginScope();
             data->captureScopeActive = true;
-            NSLog("enableDebugGPUCapture: Capture started");
+            ZALMetal::Log(ZALMetalLogLevelInfo, "enableDebugGPUCapture: Capture started");
         }
         data->captureScope = scope;
     } else {
-        NSLog("enableDebugGPUCapture: Failed to start capture, error %@", error);
+        ZALMetal::Log(ZALMetalLogLevelError, "enableDebugGPUCapture: Failed to start capture, error %s", ZALMetal::InWords(error));
         scope->release();
     }
     descriptor->release();

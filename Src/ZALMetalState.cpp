@@ -2,8 +2,10 @@
 #include "ZALMetalState.h"
 
 #include "ZALMetalContext.h"
+#include "ZALMetalLog.h"
 
 #include <cstdlib>
+#include <utility>
 
 namespace {
 
@@ -21,6 +23,7 @@ void releaseAndForget(T*& object)
 void ZALMetalState::renderPassBegin(MTL::RenderPassDescriptor* descriptor, ZALGLState* state)
 {
     renderPassEnd();
+    ++ZALMetal::g_counters.passes;
     if (_blitEncoder) commandBufferEnd(); // blit work goes first, on a command buffer of its own
     commandBufferStart();
     _renderPassCmdEncoder = _commandBuffer ? _commandBuffer->renderCommandEncoder(descriptor) : nullptr;
@@ -59,22 +62,41 @@ void ZALMetalState::endEncoders()
     releaseAndForget(_blitEncoder);
 }
 
+/// A failed command buffer is reported once it is known, at the latest with the next one.
+void ZALMetalState::reportFailure()
+{
+    if (!_lastCommitted) return;
+    if (_lastCommitted->status() == MTL::CommandBufferStatusError) {
+        auto* pool = NS::AutoreleasePool::alloc()->init();
+        ZALMetal::Log(ZALMetalLogLevelError, "ZAL Metal, a command buffer failed, error %s", ZALMetal::InWords(_lastCommitted->error()));
+        pool->release();
+    }
+    releaseAndForget(_lastCommitted);
+}
+
+void ZALMetalState::commit()
+{
+    reportFailure();
+    _commandBuffer->commit();
+    ++ZALMetal::g_counters.commandBuffers;
+    std::swap(_lastCommitted, _commandBuffer);
+}
+
 void ZALMetalState::commandBufferEnd()
 {
     endEncoders();
     if (!_commandBuffer) return;
-    _commandBuffer->commit();
-    _commandBuffer->waitUntilScheduled();
-    releaseAndForget(_commandBuffer);
+    commit();
+    _lastCommitted->waitUntilScheduled();
 }
 
 void ZALMetalState::commandBufferWaitUntilCompleted()
 {
     endEncoders();
     if (!_commandBuffer) return;
-    _commandBuffer->commit();
-    _commandBuffer->waitUntilCompleted();
-    releaseAndForget(_commandBuffer);
+    commit();
+    _lastCommitted->waitUntilCompleted();
+    reportFailure();
 }
 
 MTL::RenderCommandEncoder* ZALMetalState::getOrCreateCommandEncoder(ZALGLState* state)

@@ -17,6 +17,10 @@ class ZALMetalState
 {
 public:
     explicit ZALMetalState(MTL::CommandQueue* queue) : _queue(queue) {}
+    ~ZALMetalState() { reportFailure(); }
+    ZALMetalState(const ZALMetalState&) = delete;
+    ZALMetalState& operator=(const ZALMetalState&) = delete;
+
 
     void renderPassBegin(MTL::RenderPassDescriptor* descriptor, ZALGLState* state);
     void renderPassEnd();
@@ -33,10 +37,13 @@ public:
 
 private:
     void endEncoders();
+    void commit();
+    void reportFailure();
     MTL::CommandBuffer* takeCommandBuffer();
 
     MTL::CommandQueue* _queue; // not retained
     MTL::CommandBuffer* _commandBuffer = nullptr;
+    MTL::CommandBuffer* _lastCommitted = nullptr; // retained until its end is known to be good or bad
     MTL::RenderCommandEncoder* _renderPassCmdEncoder = nullptr;
     MTL::BlitCommandEncoder* _blitEncoder = nullptr;
     uint32_t _dirty = 0;

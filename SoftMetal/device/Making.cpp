@@ -3,6 +3,7 @@
 #include "execution/Limits.h"
 #include "execution/QueueThread.h"
 #include "foundation/Strings.h"
+#include "inspect/Counters.h"
 #include "inspect/Inspect.h"
 #include "inspect/ShaderFaults.h"
 #include "shader/Loader.h"
@@ -102,7 +103,9 @@ MTL::Buffer* MTL::Device::newBuffer(const void* bytes, NS::UInteger length, Reso
 {
     if (!require(bytes != nullptr, Rule::BufferNilBytes, length)) return nullptr;
     MTL::Buffer* result = makeBuffer(this, length, options);
-    if (result) std::copy_n(static_cast<const uint8_t*>(bytes), length, cast<BufferObject>(result)->memory.data());
+    if (!result) return nullptr;
+    std::copy_n(static_cast<const uint8_t*>(bytes), length, cast<BufferObject>(result)->memory.data());
+    inspect::count(inspect::counters.bytesUploaded, length);
     return result;
 }
 
@@ -182,6 +185,7 @@ MTL::Fence* MTL::Device::newFence()
 MTL::Library* MTL::Device::newLibrary(const NS::String* source, const CompileOptions* options, NS::Error** error)
 {
     std::string messages;
+    inspect::BuildTime time("library");
     std::shared_ptr<shader::Library> library;
     if (inspect::fails("newLibrary")) {
         messages = "the library could not be made (injected fault)";
@@ -230,12 +234,14 @@ void notePipeline(const MTL::Device* device, const RenderPipelineDescriptorObjec
 MTL::RenderPipelineState* MTL::Device::newRenderPipelineState(const RenderPipelineDescriptor* descriptor, NS::Error** error)
 {
     std::string why;
+    inspect::BuildTime time("pipeline state");
     RenderPipelineStateObject* state = nullptr;
     if (inspect::fails("newRenderPipelineState")) why = "the pipeline state could not be made (injected fault)";
     else if (!descriptor) why = "the descriptor must not be nil";
     else state = RenderPipelineStateObject::make(self(this), *cast<RenderPipelineDescriptorObject>(descriptor), why);
     if (descriptor) notePipeline(this, *cast<RenderPipelineDescriptorObject>(descriptor), api(state));
-    if (!state) report(error, "MTLRenderPipelineErrorDomain", 1, why);
+    if (state) inspect::count(inspect::counters.pipelines);
+    else report(error, "MTLRenderPipelineErrorDomain", 1, why);
     return api(state);
 }
 

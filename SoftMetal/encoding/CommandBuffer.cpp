@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // The life of queues, command buffers and encoders.
 #include "encoding/Commands.h"
+#include "inspect/Counters.h"
 
 #include <chrono>
 
@@ -120,6 +121,7 @@ void CommandBufferObject::commit()
     if (openEncoder) openEncoder->abandon();
     enqueue();
     committed = true;
+    inspect::count(inspect::counters.commandBuffers);
     {
         std::lock_guard lock(mutex_);
         times_.kernelStart = now();

@@ -4,6 +4,7 @@
 
 #include "formats/PixelFormat.h"
 #include "formats/VertexFormat.h"
+#include "inspect/Counters.h"
 
 #include <algorithm>
 #include <atomic>
@@ -229,6 +230,8 @@ void RenderEncoderObject::draw(const raster::DrawCall& call, const char* name)
 void RenderEncoderObject::handOver()
 {
     record.drawCount = commands->storage->draws.size() - record.firstDraw;
+    inspect::count(inspect::counters.draws, record.drawCount);
+    inspect::count(inspect::counters.passes);
     commands->storage->records.emplace_back(record);
 }
 

@@ -37,16 +37,39 @@ int32_t toSnorm(float value, double largest)
     return static_cast<int32_t>(std::nearbyint(static_cast<double>(clamped) * largest));
 }
 
+/// The n-th root of a number of 0 < a <= 1 by Newton's method from above, in operations whose bits are the same everywhere,
+/// as those of a library's pow are not.
+template <int N>
+double root(double a)
+{
+    auto power = [](double y) {
+        double p = y;
+        for (int i = 2; i < N; ++i) p *= y;
+        return p; // to the power N - 1
+    };
+    double y = 1;
+    for (int i = 0; i < 40; ++i) {
+        const double p = power(y), next = y - (p * y - a) / (N * p);
+        if (!(next < y)) break;
+        y = next;
+    }
+    return y;
+}
+
 float fromSrgb(float c)
 {
-    return static_cast<float>(c <= 0.04045f ? static_cast<double>(c) / 12.92 : std::pow((static_cast<double>(c) + 0.055) / 1.055, 2.4));
+    if (c <= 0.04045f) return static_cast<float>(static_cast<double>(c) / 12.92);
+    const double v = std::min((static_cast<double>(c) + 0.055) / 1.055, 1.0), fifth = root<5>(v);
+    return static_cast<float>(v * v * fifth * fifth); // v to the power 2.4
 }
 
 float toSrgb(float c)
 {
     if (!(c > 0)) return 0;
     if (c >= 1) return 1;
-    return static_cast<float>(c < 0.0031308f ? static_cast<double>(c) * 12.92 : 1.055 * std::pow(static_cast<double>(c), 1 / 2.4) - 0.055);
+    if (c < 0.0031308f) return static_cast<float>(static_cast<double>(c) * 12.92);
+    const double third = root<3>(static_cast<double>(c)), twelfth = std::sqrt(std::sqrt(third)), squared = twelfth * twelfth;
+    return static_cast<float>(1.055 * squared * squared * twelfth - 0.055); // c to the power 5 / 12
 }
 
 uint32_t loadComponent(const uint8_t* at, uint32_t bytes)

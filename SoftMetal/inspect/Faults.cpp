@@ -89,10 +89,12 @@ int64_t objectsAlive(const std::string& className)
 
 std::vector<std::pair<std::string, int64_t>> objectsAliveByClass() { return Object::aliveByClass(); }
 
+void setLogLevel(LogLevel level) { softmetal::setLogLevel(static_cast<softmetal::LogLevel>(level)); }
+
 void setLogSink(std::function<void(const std::string& line)> sink)
 {
     if (!sink) return softmetal::setLogSink({});
-    softmetal::setLogSink([sink](LogLevel, const std::string& line) { sink(line); });
+    softmetal::setLogSink([sink](softmetal::LogLevel, const std::string& line) { sink(line); });
 }
 
 } // namespace SoftMetal

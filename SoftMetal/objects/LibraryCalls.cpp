@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Metal's calls on states, libraries, functions and function constants.
 #include "foundation/Strings.h"
+#include "inspect/Counters.h"
 #include "inspect/Inspect.h"
 #include "objects/Resources.h"
 
@@ -35,6 +36,7 @@ constexpr const char* LibraryDomain = "MTLLibraryErrorDomain";
 MTL::Function* makeFunction(LibraryObject& library, const NS::String* name, const std::vector<shader::ConstantValue>& values, NS::Error** error)
 {
     std::string why;
+    inspect::BuildTime time("function");
     std::shared_ptr<shader::Function> function;
     if (inspect::fails("newFunction")) why = "the function could not be made (injected fault)";
     else function = library.library->specialise(textOf(name), values, why);

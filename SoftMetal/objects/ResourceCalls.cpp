@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Metal's calls on resources in general, on buffers and on textures.
 #include "formats/PixelFormat.h"
+#include "inspect/Counters.h"
 #include "inspect/Inspect.h"
 #include "objects/Resources.h"
 #include "texturing/Copy.h"
@@ -158,6 +159,7 @@ void MTL::Texture::replaceRegion(Region region, NS::UInteger level, NS::UInteger
     if (!accessible(texture, {"replaceRegion", bytes, bytesPerRow, bytesPerImage, region, level, slice})) return;
     texturing::Image to{&texture.view, static_cast<uint32_t>(level), static_cast<uint32_t>(slice)};
     texturing::copyMemoryToTexture(static_cast<const uint8_t*>(bytes), bytesPerRow, bytesPerImage, to, blockOf(region), texturing::Aspect::All);
+    inspect::count(inspect::counters.bytesUploaded, region.size.width * region.size.height * region.size.depth * formats::pixelFormatInfo(texture.view.format)->bytes);
 }
 
 void MTL::Texture::replaceRegion(Region region, NS::UInteger level, const void* bytes, NS::UInteger bytesPerRow)

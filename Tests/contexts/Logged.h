@@ -3,6 +3,7 @@
 #pragma once
 
 #include <SoftMetal/SoftMetal.hpp>
+#include <ZALMetal/ZALMetal.h>
 
 #include <mutex>
 #include <string>
@@ -16,6 +17,7 @@ class Logged
 public:
     Logged()
     {
+        ZALMetalSetLogLevel(ZALMetalLogLevelInfo); // begins the counts of repeated lines anew
         SoftMetal::setLogSink([this](const std::string& line) {
             std::lock_guard lock(mutex_);
             lines_.push_back(line);

@@ -23,6 +23,10 @@
  *   and glDisable of GL_DEBUG_CAPTURE_SCOPE_ZAL; default 0
  * - ZALMETAL_GPU_CAPTURE_AT_START: 1 begins to record as soon as the layer is made; default 0
  * - ZALMETAL_DEVICE_WRAPPER: 1 asks Metal for its validating device wrapper; default 0
+ *
+ * Read once: ZALMETAL_LOG_LEVEL, see ZALMetalSetLogLevel. Read with each program: ZALMETAL_SHADER_DUMP_DIR and
+ * ZALMETAL_SHADER_REPLACE_DIR, the folders that translated programs are written to and that hand-made sources are taken
+ * from.
  */
 #pragma once
 
@@ -240,6 +244,69 @@ typedef void (*ZALMetalProc)(void);
  * @endcode
  */
 ZALMETAL_API ZALMetalProc ZALMetalGetProcAddress(const char* name);
+
+/* ---- Diagnostics --------------------------------------------------------------------------------------------------- */
+
+/* How grave a line of the log is. */
+enum ZALMetalLogLevel
+{
+    ZALMetalLogLevelNone = 0,  /* as a setting: say nothing */
+    ZALMetalLogLevelError = 1, /* something was not done: a pipeline that cannot be built, a command buffer that failed */
+    ZALMetalLogLevelWarn = 2,  /* something was passed over: an unreadable variable, capture that the device lacks */
+    ZALMetalLogLevelInfo = 3,  /* which device was chosen, what is being captured */
+    ZALMetalLogLevelDebug = 4  /* pipelines as they are built, with the time taken */
+};
+
+/* Receives a line of the log. The text is valid during the call. GL errors are never said here; see glGetError. */
+typedef void (*ZALMetalLogCallback)(int level, const char* message, void* user);
+
+/* Which lines are said: those up to the level, from now on, in the whole process. Clamped to the levels there are. The
+ * start value comes from ZALMETAL_LOG_LEVEL (none, error, warn, info, debug), read with the first line; without it,
+ * info. The same line is said at most ten times and counted after that; this call begins the counts anew.
+ */
+ZALMETAL_API void ZALMetalSetLogLevel(int level);
+
+/* Sends the lines to a function of the host instead of the system's log.
+ *
+ * - callback: called from within the library's calls, on their thread; it must make none of them. Null: the system's
+ *   log again.
+ * - user: handed to it as it is.
+ *
+ * Begins the counts of repeated lines anew.
+ *
+ * @code
+ * ZALMetalSetLogCallback(onLine, logFile);
+ * ZALMetalSetLogLevel(ZALMetalLogLevelDebug);
+ * @endcode
+ */
+ZALMETAL_API void ZALMetalSetLogCallback(ZALMetalLogCallback callback, void* user);
+
+/* What the library has done since the process began, all contexts together. Later versions add fields at the end. */
+typedef struct ZALMetalCounters
+{
+    uint64_t draws;              /* draw commands sent to Metal, those of glBegin and glEnd included */
+    uint64_t passes;             /* render passes begun, those of copies and presentation included */
+    uint64_t commandBuffers;     /* command buffers committed */
+    uint64_t pipelines;          /* pipeline states built */
+    double pipelineMilliseconds; /* time spent building them, failed ones and the specialisation of programs included */
+    uint64_t bytesUploaded;      /* to buffers and textures, as Metal receives them */
+    uint64_t objects;            /* buffers, framebuffers, programs and textures alive now, by GL name */
+    uint64_t messagesDropped;    /* lines of the log not said because they had been said ten times */
+} ZALMetalCounters;
+
+/* Copies the counters. A host that wants them for each frame subtracts those of the frame before.
+ *
+ * - counters: receives them; null: nothing happens.
+ * - size: sizeof(ZALMetalCounters) as the host was compiled; only so many bytes are written.
+ *
+ * Needs no context.
+ *
+ * @code
+ * ZALMetalCounters counters;
+ * ZALMetalGetCounters(&counters, sizeof counters);
+ * @endcode
+ */
+ZALMETAL_API void ZALMetalGetCounters(ZALMetalCounters* counters, size_t size);
 
 /* ---- Textures ---------------------------------------------------------------------------------------------------- */
 

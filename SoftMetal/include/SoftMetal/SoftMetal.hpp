@@ -169,6 +169,23 @@ SOFTMETAL_API std::vector<std::pair<std::string, int64_t>> objectsAliveByClass()
 /// Where NSLog lines and the device's own messages go; an empty function means standard error.
 SOFTMETAL_API void setLogSink(std::function<void(const std::string& line)> sink);
 
+/// How much the device itself says, NSLog lines left alone: nothing, broken rules and failures (at the start), and with
+/// "debug" what it builds and how long that took. The start value comes from SOFTMETAL_LOG_LEVEL (none, error, warn, info, debug).
+enum class LogLevel { None, Error, Warn, Info, Debug };
+SOFTMETAL_API void setLogLevel(LogLevel level);
+
+/// What all devices have done since the process began. For each frame: subtract those of the frame before.
+struct Counters
+{
+    uint64_t draws, passes;      // as encoded, when their encoder ends
+    uint64_t commandBuffers;     // committed
+    uint64_t pipelines;          // pipeline states made
+    double pipelineMilliseconds; // spent on them, on functions and on libraries
+    uint64_t bytesUploaded;      // handed to new buffers and to replaceRegion; what is written into buffers directly is not seen
+    int64_t objects;             // alive now, as objectsAlive tells
+};
+SOFTMETAL_API Counters counters();
+
 /// Threads that draw, the queue's own included.
 SOFTMETAL_API uint32_t workerThreads();
 /// Pixels or vertices that a shader works on at once.
