@@ -18,7 +18,9 @@ else()
 endif()
 install(TARGETS ${zal_targets} EXPORT ZALMetalTargets LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}")
 install(DIRECTORY include/ZALMetal DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
-install(FILES LICENSE CHANGELOG.md README.md DESTINATION "${CMAKE_INSTALL_DOCDIR}")
+# The pages lie as in the repository, so that their links lead somewhere.
+install(FILES LICENSE CHANGELOG.md README.md CONTRIBUTING.md SECURITY.md DESTINATION "${CMAKE_INSTALL_DOCDIR}")
+install(DIRECTORY docs DESTINATION "${CMAKE_INSTALL_DOCDIR}" PATTERN man EXCLUDE)
 
 install(EXPORT ZALMetalTargets NAMESPACE ZALMetal:: DESTINATION "${zal_package_dir}")
 configure_package_config_file(cmake/ZALMetalConfig.cmake.in "${CMAKE_BINARY_DIR}/ZALMetalConfig.cmake" INSTALL_DESTINATION "${zal_package_dir}")
@@ -28,16 +30,29 @@ install(FILES "${CMAKE_BINARY_DIR}/ZALMetalConfig.cmake" "${CMAKE_BINARY_DIR}/ZA
 configure_file(cmake/zalmetal.pc.in "${CMAKE_BINARY_DIR}/zalmetal.pc" @ONLY)
 install(FILES "${CMAKE_BINARY_DIR}/zalmetal.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
 
+# What goes with a tool: its manual page, and the completion of its command line in bash.
+function(zal_install_tool_pages tool)
+    install(FILES "${PROJECT_SOURCE_DIR}/docs/man/${tool}.1" DESTINATION "${CMAKE_INSTALL_MANDIR}/man1")
+    install(FILES "${PROJECT_SOURCE_DIR}/Tools/completion/${tool}" DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions")
+endfunction()
+
 if(ZALMETAL_BUILD_EXAMPLES)
     foreach(tool zalasm zalinfo zaldiff)
         if(TARGET ${tool})
             set_target_properties(${tool} PROPERTIES INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
             install(TARGETS ${tool} RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
-        endif()
-        if(EXISTS "${PROJECT_SOURCE_DIR}/docs/man/${tool}.1")
-            install(FILES "docs/man/${tool}.1" DESTINATION "${CMAKE_INSTALL_MANDIR}/man1")
+            zal_install_tool_pages(${tool})
         endif()
     endforeach()
+endif()
+
+# zalbench looks for its workers beside itself, so they share a folder that is on nobody's path; a link leads there. A tree
+# in which it was not built is installed without it.
+if(ZALMETAL_BUILD_BENCH)
+    set(zal_bench_dir "${CMAKE_INSTALL_LIBEXECDIR}/zalmetal")
+    file(RELATIVE_PATH zal_bench_from_bin "/${CMAKE_INSTALL_BINDIR}" "/${zal_bench_dir}")
+    file(RELATIVE_PATH zal_lib_from_bench "/${zal_bench_dir}" "/${CMAKE_INSTALL_LIBDIR}")
+    zal_install_tool_pages(zalbench)
 endif()
 
 set(CPACK_PACKAGE_NAME libzalmetal-dev)
