@@ -68,6 +68,24 @@ def formats():
     return differences("docs/limits.md", said, there)
 
 
+def limits():
+    """The numbers that zalinfo prints stand in the table of the page, under the same names."""
+    table = {row[0]: row[1] for row in rows(page("limits.md"), "Numbers")}
+    found = []
+    for name, number in re.findall(r'Limit\{"([^"]+)", 0, (\d+)\}', read("Tools/zalinfo/zalinfo.cpp")):
+        said = next((value for what, value in table.items() if what.startswith(name)), None)
+        if said is None or not re.match(rf"{number}\b", said):
+            found.append(f"docs/limits.md: {name} is {said}, zalinfo says {number}")
+    return found
+
+
+def tags():
+    """A tag of kept behaviour that a page names is a row of the list."""
+    known = set(re.findall(r"^\| ([a-z0-9-]+) \|", page("kept-behaviour.md"), re.M))
+    return [f"{name_of(d)}: there is no row {word}" for d in documents() if d.name in {"porting.md", "limits.md", "host-api.md", "SECURITY.md"}
+            for word in code_words(d.read_text(encoding="utf-8")) if re.fullmatch(r"[a-z0-9]+(?:-[a-z0-9]+)+", word) and word not in known]
+
+
 def variables():
     """The page lists what the code reads from the environment, and zalinfo prints it."""
     there = set()
@@ -92,4 +110,4 @@ def commands():
 
 
 if __name__ == "__main__":
-    report(paths() + stops(page("architecture.md")) + entry_points() + formats() + variables() + commands())
+    report(paths() + stops(page("architecture.md")) + entry_points() + formats() + limits() + tags() + variables() + commands())
