@@ -59,6 +59,13 @@ def entry_points():
         [f"docs/porting.md: {w} is there" for w in sorted(absent & exported)]
 
 
+def host_calls():
+    """Each exported call of the host's interface stands on its page."""
+    exported = {n for n in read("Tests/package/exports.txt").split() if n.startswith("ZALMetal")}
+    said = set(re.findall(r"\bZALMetal\w+", page("host-api.md")))
+    return [f"docs/host-api.md: {name} is missing" for name in sorted(exported - said)]
+
+
 def formats():
     """The texture formats are the rows of the table that the library reads, with their Metal formats."""
     table = re.findall(r"InternalFormatRow\{(GL_\w+), MTL::PixelFormat(\w+), ", read("Src/InternalFormatTable.h"))
@@ -110,4 +117,4 @@ def commands():
 
 
 if __name__ == "__main__":
-    report(paths() + stops(page("architecture.md")) + entry_points() + formats() + limits() + tags() + variables() + commands())
+    report(paths() + stops(page("architecture.md")) + entry_points() + host_calls() + formats() + limits() + tags() + variables() + commands())

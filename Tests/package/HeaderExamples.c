@@ -56,6 +56,21 @@ int exampleProcAddress(void)
     return 0;
 }
 
+int exampleLog(ZALMetalLogCallback onLine, void* logFile)
+{
+    ZALMetalSetLogCallback(onLine, logFile);
+    ZALMetalSetLogLevel(ZALMetalLogLevelDebug);
+    return 0;
+}
+
+int exampleCounters(uint64_t* draws)
+{
+    ZALMetalCounters counters;
+    ZALMetalGetCounters(&counters, sizeof counters);
+    *draws = counters.draws;
+    return 0;
+}
+
 int exampleNormalise(const char* text, size_t length, char* program, size_t size, char* message, size_t messageSize)
 {
     size_t needed = 0;

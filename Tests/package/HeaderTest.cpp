@@ -116,7 +116,35 @@ TEST_F(RunningExamples, HostTexturesAreDrawnIntoAndCopied)
     other->release();
 }
 
-TEST_F(RunningExamples, LookedUpCallsWork) { EXPECT_EQ(exampleProcAddress(), 0); }
+TEST_F(RunningExamples, LookedUpCallsWork)
+{
+    EXPECT_EQ(exampleProcAddress(), 0);
+}
+
+TEST_F(RunningExamples, LinesOfTheLogReachTheHost)
+{
+    std::vector<std::string> lines;
+    EXPECT_EQ(exampleLog([](int, const char* line,
+                            void* user) { static_cast<std::vector<std::string>*>(user)->push_back(line); },
+                         &lines),
+              0);
+    ZALMetalContext* other = nullptr;
+    EXPECT_EQ(ZALMetalContextInitFromMTLCommandQueue(other, nullptr, nullptr), 0);
+    ZALMetalSetLogCallback(nullptr, nullptr);
+    ZALMetalSetLogLevel(ZALMetalLogLevelInfo);
+    ZALMetalContextDestroy(other);
+    ASSERT_FALSE(lines.empty());
+    EXPECT_NE(lines[0].find("selecting"), std::string::npos);
+}
+
+TEST_F(RunningExamples, TheCountersAreFilledIn)
+{
+    uint64_t draws = UINT64_MAX, again = 0;
+    EXPECT_EQ(exampleCounters(&draws), 0);
+    EXPECT_EQ(exampleCounters(&again), 0);
+    EXPECT_NE(draws, UINT64_MAX);
+    EXPECT_EQ(draws, again);
+}
 
 TEST_F(RunningExamples, APassDescriptorWithoutAStateTakesTheContexts)
 {
@@ -144,7 +172,8 @@ TEST_F(RunningExamples, AStandardProgramIsRewrittenAndLoaded)
     GLuint name = 0;
     glGenProgramsARB(1, &name);
     glBindProgramARB(GL_VERTEX_PROGRAM_ARB, name);
-    EXPECT_EQ(exampleNormalise(text.data(), text.size(), program, sizeof program, message, sizeof message), 0) << message;
+    EXPECT_EQ(exampleNormalise(text.data(), text.size(), program, sizeof program, message, sizeof message), 0)
+        << message;
     EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
 }
 
