@@ -7,11 +7,15 @@
 #include "ZALMetalLog.h"
 #include "ZALMetalState.h"
 
-namespace {
+namespace
+{
 
 constexpr const char* Source = "Src/ZALMetalContext";
 
-NS::String* text(const char* characters) { return NS::String::string(characters, NS::UTF8StringEncoding); }
+NS::String* text(const char* characters)
+{
+    return NS::String::string(characters, NS::UTF8StringEncoding);
+}
 
 void setCurrentDrawable(ZALMetalDrawable* drawable, CA::MetalDrawable* next)
 {
@@ -30,7 +34,8 @@ uint64_t toUnsigned(CGFloat value)
 
 MTL::Texture* newFramebufferTexture(MTL::Device* device, MTL::PixelFormat format, CGSize size)
 {
-    MTL::TextureDescriptor* d = MTL::TextureDescriptor::texture2DDescriptor(format, toUnsigned(size.width), toUnsigned(size.height), false);
+    MTL::TextureDescriptor* d =
+        MTL::TextureDescriptor::texture2DDescriptor(format, toUnsigned(size.width), toUnsigned(size.height), false);
     d->setStorageMode(MTL::StorageModePrivate);
     d->setUsage(MTL::TextureUsageShaderRead | MTL::TextureUsageRenderTarget);
     return device->newTexture(d);
@@ -56,26 +61,41 @@ int updateSize(ZALMetalContext* context)
     return MetalDataAllocateDrawableTextures(context->metalData->device, drawable, wanted);
 }
 
-void ViewFrameChangeNotificationCallback(CFNotificationCenterRef, void* observer, CFNotificationName, const void*, CFDictionaryRef)
+void ViewFrameChangeNotificationCallback(CFNotificationCenterRef, void* observer, CFNotificationName, const void*,
+                                         CFDictionaryRef)
 {
     ScopedPool pool;
     updateSize(static_cast<ZALMetalContext*>(observer));
 }
+
+/// A scope for a parameter whose type metal-cpp's releases give as id or as NS::Object.
+struct AnyObject
+{
+    MTL::CaptureScope* scope;
+    template <class T>
+    operator T*() const
+    {
+        return reinterpret_cast<T*>(scope);
+    }
+};
 
 void startCapture(ZALMetalContext* context)
 {
     ZALMetalData* data = context->metalData;
     MTL::CaptureManager* manager = MTL::CaptureManager::sharedCaptureManager();
     MTL::CaptureScope* scope = manager->newCaptureScope(data->device);
-    if (!scope) return ZALMetal::Log(ZALMetalLogLevelError, "enableDebugGPUCapture: Failed to start capture, failed to create scope");
+    if (!scope)
+        return ZALMetal::Log(ZALMetalLogLevelError,
+                             "enableDebugGPUCapture: Failed to start capture, failed to create scope");
     scope->setLabel(text("ZAL Metal capture"));
     MTL::CaptureDescriptor* descriptor = MTL::CaptureDescriptor::alloc()->init();
-    descriptor->setCaptureObject(reinterpret_cast<id>(scope));
+    descriptor->setCaptureObject(AnyObject{scope});
     descriptor->setDestination(MTL::CaptureDestinationGPUTraceDocument);
     descriptor->setOutputURL(NS::URL::fileURLWithPath(text("ZALMetal.m.gputrace")));
     NS::Error* error = nullptr;
     if (manager->startCapture(descriptor, &error)) {
-        ZALMetal::Log(ZALMetalLogLevelInfo, "enableDebugGPUCapture: GPU tracing to %s", ZALMetal::InWords(descriptor->outputURL()));
+        ZALMetal::Log(ZALMetalLogLevelInfo, "enableDebugGPUCapture: GPU tracing to %s",
+                      ZALMetal::InWords(descriptor->outputURL()));
         if (context->glState->debugCaptureAtStart) {
             scope->beginScope();
             data->captureScopeActive = true;
@@ -83,7 +103,8 @@ void startCapture(ZALMetalContext* context)
         }
         data->captureScope = scope;
     } else {
-        ZALMetal::Log(ZALMetalLogLevelError, "enableDebugGPUCapture: Failed to start capture, error %s", ZALMetal::InWords(error));
+        ZALMetal::Log(ZALMetalLogLevelError, "enableDebugGPUCapture: Failed to start capture, error %s",
+                      ZALMetal::InWords(error));
         scope->release();
     }
     descriptor->release();
@@ -91,7 +112,8 @@ void startCapture(ZALMetalContext* context)
 
 } // namespace
 
-// ---- Layer and host textures -------------------------------------------------------------------------------------------------
+// ---- Layer and host textures
+// -------------------------------------------------------------------------------------------------
 
 int MetalDataAllocateDrawableTextures(MTL::Device* device, ZALMetalDrawable* drawable, CGSize size)
 {
@@ -106,14 +128,16 @@ int MetalDataAllocateDrawableTextures(MTL::Device* device, ZALMetalDrawable* dra
     return ZALMetalResultOutOfMemory;
 }
 
-int ZALMetalContextCreateCAMetalLayer(ZALMetalContext* context, void* viewPointer, int pixelFormat, int depthPixelFormat)
+int ZALMetalContextCreateCAMetalLayer(ZALMetalContext* context, void* viewPointer, int pixelFormat,
+                                      int depthPixelFormat)
 {
     ScopedPool pool;
     ZALMetalDrawable* drawable = context->drawable;
     if (drawable->view) ZALMetal::AssertionFailed("ZALMetalContextCreateCAMetalLayer", Source, "drawable->view == nil");
     MTL::Device* device = context->metalData->device;
     auto depthFormat = static_cast<MTL::PixelFormat>(depthPixelFormat);
-    if (depthFormat == MTL::PixelFormatDepth24Unorm_Stencil8 && !device->depth24Stencil8PixelFormatSupported()) depthFormat = MTL::PixelFormatDepth32Float_Stencil8;
+    if (depthFormat == MTL::PixelFormatDepth24Unorm_Stencil8 && !device->depth24Stencil8PixelFormatSupported())
+        depthFormat = MTL::PixelFormatDepth32Float_Stencil8;
 
     auto* view = static_cast<NSView*>(viewPointer);
     CA::MetalLayer* layer = CA::MetalLayer::layer()->retain();
@@ -137,8 +161,9 @@ int ZALMetalContextCreateCAMetalLayer(ZALMetalContext* context, void* viewPointe
     context->glState->defaultFramebufferWidth = static_cast<uint32_t>(static_cast<int32_t>(size.width));
     context->glState->defaultFramebufferHeight = static_cast<uint32_t>(static_cast<int32_t>(size.height));
     view->setPostsFrameChangedNotifications(true);
-    CFNotificationCenterAddObserver(CFNotificationCenterGetLocalCenter(), context, ViewFrameChangeNotificationCallback, NSViewFrameDidChangeNotification,
-                                    view, CFNotificationSuspensionBehaviorDeliverImmediately);
+    CFNotificationCenterAddObserver(CFNotificationCenterGetLocalCenter(), context, ViewFrameChangeNotificationCallback,
+                                    NSViewFrameDidChangeNotification, view,
+                                    CFNotificationSuspensionBehaviorDeliverImmediately);
     if (context->glState->enableDebugGPUCapture) startCapture(context);
     return ZALMetalResultSuccess;
 }
@@ -148,7 +173,8 @@ int ZALMetalContextSetMetalDrawable(ZALMetalContext* context, void* colorTexture
     ZALMetalDrawable* drawable = context->drawable;
     if (!colorTexture || drawable->view || drawable->layer) return ZALMetalResultInvalidArgument;
     auto *color = static_cast<MTL::Texture*>(colorTexture), *depth = static_cast<MTL::Texture*>(depthTexture);
-    MTL::PixelFormat colorFormat = color->pixelFormat(), depthFormat = depth ? depth->pixelFormat() : MTL::PixelFormatInvalid;
+    MTL::PixelFormat colorFormat = color->pixelFormat(),
+                     depthFormat = depth ? depth->pixelFormat() : MTL::PixelFormatInvalid;
     if (drawable->colorPixelFormat == MTL::PixelFormatInvalid) {
         drawable->colorPixelFormat = colorFormat;
         drawable->depthPixelFormat = depthFormat;
@@ -162,7 +188,8 @@ int ZALMetalContextSetMetalDrawable(ZALMetalContext* context, void* colorTexture
     return ZALMetalResultSuccess;
 }
 
-// ---- Size ------------------------------------------------------------------------------------------------------------------
+// ---- Size
+// ------------------------------------------------------------------------------------------------------------------
 
 int ZALMetalContextUpdateSize(ZALMetalContext* context)
 {
@@ -170,7 +197,8 @@ int ZALMetalContextUpdateSize(ZALMetalContext* context)
     return updateSize(context);
 }
 
-// ---- Presentation ----------------------------------------------------------------------------------------------------------
+// ---- Presentation
+// ----------------------------------------------------------------------------------------------------------
 
 void* ZALMetalContextEnsureDrawable(ZALMetalContext* context)
 {
@@ -181,14 +209,18 @@ void* ZALMetalContextEnsureDrawable(ZALMetalContext* context)
     return drawable->currentDrawable;
 }
 
-void ZALMetalContextDrawableRelease(ZALMetalContext* context) { setCurrentDrawable(context->drawable, nullptr); }
+void ZALMetalContextDrawableRelease(ZALMetalContext* context)
+{
+    setCurrentDrawable(context->drawable, nullptr);
+}
 
 int ZALMetalContextSwapBuffers(ZALMetalContext* context)
 {
     ScopedPool pool;
     ZALMetalData* metalData = context->metalData;
     ZALMetalDrawable* drawable = context->drawable;
-    if (!metalData || !metalData->metalState) ZALMetal::AssertionFailed("ZALMetalContextSwapBuffers", Source, "metalData && metalData->metalState");
+    if (!metalData || !metalData->metalState)
+        ZALMetal::AssertionFailed("ZALMetalContextSwapBuffers", Source, "metalData && metalData->metalState");
     ZALMetalState* state = metalData->metalState;
     if (!drawable->layer) {
         state->commandBufferEnd();
@@ -199,9 +231,11 @@ int ZALMetalContextSwapBuffers(ZALMetalContext* context)
     MTL::CommandBuffer* commandBuffer = state->commandBufferStart();
     commandBuffer->pushDebugGroup(text("ZALMetalContextSwapBuffers"));
     if (MTL::Texture* color = drawable->colorTexture; color && drawable->currentDrawable)
-        CopyTexSubImage2D(metalData->blitter, metalData->device, commandBuffer, color, MTL::Origin(0, 0, 0), MTL::Size(color->width(), color->height(), 1),
-                          drawable->currentDrawable->texture(), MTL::Origin(0, 0, 0), 0, 0, true);
-    if (drawable->currentDrawable) commandBuffer->presentDrawable(drawable->currentDrawable); // none: the layer had none to give
+        CopyTexSubImage2D(metalData->blitter, metalData->device, commandBuffer, color, MTL::Origin(0, 0, 0),
+                          MTL::Size(color->width(), color->height(), 1), drawable->currentDrawable->texture(),
+                          MTL::Origin(0, 0, 0), 0, 0, true);
+    if (drawable->currentDrawable)
+        commandBuffer->presentDrawable(drawable->currentDrawable); // none: the layer had none to give
     commandBuffer->popDebugGroup();
     state->commandBufferEnd();
     setCurrentDrawable(drawable, nullptr);
@@ -211,16 +245,18 @@ int ZALMetalContextSwapBuffers(ZALMetalContext* context)
 int ZALMetalContextCopyAndFlipMetalTexture(ZALMetalContext* context, void* src, void* dst)
 {
     auto *from = static_cast<MTL::Texture*>(src), *to = static_cast<MTL::Texture*>(dst);
-    if (!from || !to || from->width() != to->width() || from->height() != to->height()) return ZALMetalResultInvalidArgument;
+    if (!from || !to || from->width() != to->width() || from->height() != to->height())
+        return ZALMetalResultInvalidArgument;
     ScopedPool pool;
     ZALMetalData* metalData = context->metalData;
     if (!metalData || !metalData->metalState)
-        ZALMetal::AssertionFailed("ZALMetalContextCopyAndFlipMetalTexture", Source, "metalData && metalData->metalState");
+        ZALMetal::AssertionFailed("ZALMetalContextCopyAndFlipMetalTexture", Source,
+                                  "metalData && metalData->metalState");
     metalData->metalState->renderPassEnd();
     MTL::CommandBuffer* commandBuffer = metalData->metalState->commandBufferStart();
     commandBuffer->pushDebugGroup(text("ZALMetalContextCopyAndFlipMetalTexture"));
-    CopyTexSubImage2D(metalData->blitter, metalData->device, commandBuffer, from, MTL::Origin(0, 0, 0), MTL::Size(from->width(), from->height(), 1), to,
-                      MTL::Origin(0, 0, 0), 0, 0, true);
+    CopyTexSubImage2D(metalData->blitter, metalData->device, commandBuffer, from, MTL::Origin(0, 0, 0),
+                      MTL::Size(from->width(), from->height(), 1), to, MTL::Origin(0, 0, 0), 0, 0, true);
     commandBuffer->popDebugGroup();
     metalData->metalState->commandBufferEnd();
     return ZALMetalResultSuccess;
@@ -237,9 +273,11 @@ int ZALMetalContextGetMtlTextureFromGLTextureId(ZALMetalContext* context, void*&
     return ZALMetalResultSuccess;
 }
 
-// ---- Attachments -------------------------------------------------------------------------------------------------------------
+// ---- Attachments
+// -------------------------------------------------------------------------------------------------------------
 
-namespace {
+namespace
+{
 
 MTL::Texture* attachedTexture(ZALGLState* state, uint32_t name)
 {
@@ -247,7 +285,10 @@ MTL::Texture* attachedTexture(ZALGLState* state, uint32_t name)
     return texture ? texture->EnsureMetalTexture() : nullptr;
 }
 
-ZALGLFramebufferObject* boundFramebuffer(ZALGLState* state) { return state->contextObjects->framebuffers.Find(state->pipelineDescription.boundFramebuffer); }
+ZALGLFramebufferObject* boundFramebuffer(ZALGLState* state)
+{
+    return state->contextObjects->framebuffers.Find(state->pipelineDescription.boundFramebuffer);
+}
 
 } // namespace
 
@@ -255,7 +296,8 @@ MTL::Texture* getFramebufferColorTexture(ZALGLState* state, ZALMetalContext* con
 {
     if (state->pipelineDescription.boundFramebuffer == 0) return index == 0 ? context->drawable->colorTexture : nullptr;
     ZALGLFramebufferObject* framebuffer = boundFramebuffer(state);
-    return framebuffer && index >= 0 && index < 8 ? attachedTexture(state, framebuffer->colorAttachments[index]) : nullptr;
+    return framebuffer && index >= 0 && index < 8 ? attachedTexture(state, framebuffer->colorAttachments[index])
+                                                  : nullptr;
 }
 
 MTL::Texture* getFramebufferDepthTexture(ZALGLState* state, ZALMetalContext* context)
@@ -265,12 +307,16 @@ MTL::Texture* getFramebufferDepthTexture(ZALGLState* state, ZALMetalContext* con
     return framebuffer ? attachedTexture(state, framebuffer->depthAttachment) : nullptr;
 }
 
-MTL::Texture* getFramebufferStencilTexture(ZALGLState* state, ZALMetalContext* context) { return getFramebufferDepthTexture(state, context); }
+MTL::Texture* getFramebufferStencilTexture(ZALGLState* state, ZALMetalContext* context)
+{
+    return getFramebufferDepthTexture(state, context);
+}
 
 MTL::RenderPassDescriptor* ZALMetalContextNewRenderDescriptor(ZALGLState* state, ZALMetalContext* context)
 {
     if (!state) state = context->glState; // a host has no other way to name it
-    MTL::Texture *depth = getFramebufferDepthTexture(state, context), *stencil = getFramebufferStencilTexture(state, context);
+    MTL::Texture *depth = getFramebufferDepthTexture(state, context),
+                 *stencil = getFramebufferStencilTexture(state, context);
     MTL::RenderPassDescriptor* descriptor = MTL::RenderPassDescriptor::alloc()->init();
     auto load = [](MTL::RenderPassAttachmentDescriptor* attachment, MTL::Texture* texture) {
         attachment->setLoadAction(MTL::LoadActionLoad);
@@ -279,7 +325,8 @@ MTL::RenderPassDescriptor* ZALMetalContextNewRenderDescriptor(ZALGLState* state,
     };
     for (uint32_t i = 0; i < 8 && state->pipelineDescription.drawBufferMask >> i != 0; ++i)
         if (state->pipelineDescription.drawBufferMask >> i & 1)
-            load(descriptor->colorAttachments()->object(i), getFramebufferColorTexture(state, context, static_cast<int>(i)));
+            load(descriptor->colorAttachments()->object(i),
+                 getFramebufferColorTexture(state, context, static_cast<int>(i)));
     if (depth && state->depthTestEnabled) load(descriptor->depthAttachment(), depth);
     if (stencil && state->stencilTestEnabled) load(descriptor->stencilAttachment(), stencil);
     return descriptor;

@@ -7,7 +7,8 @@
 #include <cstdlib>
 #include <utility>
 
-namespace {
+namespace
+{
 
 constexpr const char* Source = "Src/ZALMetalState";
 
@@ -19,6 +20,13 @@ void releaseAndForget(T*& object)
 }
 
 } // namespace
+
+ZALMetalState::~ZALMetalState()
+{
+    reportFailures();
+    for (MTL::CommandBuffer* buffer : _committed)
+        buffer->release();
+}
 
 void ZALMetalState::renderPassBegin(MTL::RenderPassDescriptor* descriptor, ZALGLState* state)
 {
@@ -62,41 +70,45 @@ void ZALMetalState::endEncoders()
     releaseAndForget(_blitEncoder);
 }
 
-/// A failed command buffer is reported once it is known, at the latest with the next one.
-void ZALMetalState::reportFailure()
+/// Looks at the command buffers that have ended since the last look. They end in their order.
+void ZALMetalState::reportFailures()
 {
-    if (!_lastCommitted) return;
-    if (_lastCommitted->status() == MTL::CommandBufferStatusError) {
-        auto* pool = NS::AutoreleasePool::alloc()->init();
-        ZALMetal::Log(ZALMetalLogLevelError, "ZAL Metal, a command buffer failed, error %s", ZALMetal::InWords(_lastCommitted->error()));
-        pool->release();
+    size_t ended = 0;
+    for (; ended < _committed.size() && _committed[ended]->status() >= MTL::CommandBufferStatusCompleted; ++ended) {
+        MTL::CommandBuffer* buffer = _committed[ended];
+        if (buffer->status() == MTL::CommandBufferStatusError) {
+            auto* pool = NS::AutoreleasePool::alloc()->init();
+            ZALMetal::Log(ZALMetalLogLevelError, "ZAL Metal, a command buffer failed, error %s",
+                          ZALMetal::InWords(buffer->error()));
+            pool->release();
+        }
+        buffer->release();
     }
-    releaseAndForget(_lastCommitted);
+    _committed.erase(_committed.begin(), _committed.begin() + static_cast<std::ptrdiff_t>(ended));
 }
 
-void ZALMetalState::commit()
+/// The committed one, for the caller to wait for.
+MTL::CommandBuffer* ZALMetalState::commit()
 {
-    reportFailure();
+    reportFailures();
     _commandBuffer->commit();
     ++ZALMetal::g_counters.commandBuffers;
-    std::swap(_lastCommitted, _commandBuffer);
+    _committed.push_back(_commandBuffer);
+    return std::exchange(_commandBuffer, nullptr);
 }
 
 void ZALMetalState::commandBufferEnd()
 {
     endEncoders();
-    if (!_commandBuffer) return;
-    commit();
-    _lastCommitted->waitUntilScheduled();
+    if (_commandBuffer) commit()->waitUntilScheduled();
 }
 
 void ZALMetalState::commandBufferWaitUntilCompleted()
 {
     endEncoders();
     if (!_commandBuffer) return;
-    commit();
-    _lastCommitted->waitUntilCompleted();
-    reportFailure();
+    commit()->waitUntilCompleted();
+    reportFailures();
 }
 
 MTL::RenderCommandEncoder* ZALMetalState::getOrCreateCommandEncoder(ZALGLState* state)
@@ -107,7 +119,8 @@ MTL::RenderCommandEncoder* ZALMetalState::getOrCreateCommandEncoder(ZALGLState* 
         renderPassBegin(descriptor, state);
         descriptor->release();
         pool->release();
-        if (!_renderPassCmdEncoder) ZALMetal::AssertionFailed("getOrCreateCommandEncoder", Source, "_renderPassCmdEncoder != nil");
+        if (!_renderPassCmdEncoder)
+            ZALMetal::AssertionFailed("getOrCreateCommandEncoder", Source, "_renderPassCmdEncoder != nil");
     }
     if (_dirty != 0) EncodeDirtyStates(state, _dirty);
     _dirty = 0;
@@ -130,10 +143,12 @@ void ZALMetalState::EncodeDirtyStates(ZALGLState* state, uint32_t bits)
 {
     if (!_renderPassCmdEncoder) ZALMetal::AssertionFailed("EncodeDirtyStates", Source, "_renderPassCmdEncoder != nil");
     if (bits & DirtyViewport) ZALMetal::EncodeSetViewport(_renderPassCmdEncoder, state);
-    if (bits & DirtyDepthStencil) ZALMetal::EncodeSetDepthStencilState(_renderPassCmdEncoder, state, GetCurrentMetalContext());
+    if (bits & DirtyDepthStencil)
+        ZALMetal::EncodeSetDepthStencilState(_renderPassCmdEncoder, state, GetCurrentMetalContext());
 }
 
-namespace ZALMetal {
+namespace ZALMetal
+{
 
 void AssertionFailed(const char* function, const char* source, const char* expression)
 {
@@ -141,9 +156,13 @@ void AssertionFailed(const char* function, const char* source, const char* expre
     std::abort();
 }
 
-// ---- encoding ------------------------------------------------------------------------------------------------------------
+// ---- encoding
+// ------------------------------------------------------------------------------------------------------------
 
-void EncodeDefaults(MTL::RenderCommandEncoder* encoder) { encoder->setFrontFacingWinding(MTL::WindingClockwise); }
+void EncodeDefaults(MTL::RenderCommandEncoder* encoder)
+{
+    encoder->setFrontFacingWinding(MTL::WindingClockwise);
+}
 
 void EncodeSetViewport(MTL::RenderCommandEncoder* encoder, ZALGLState* state)
 {
@@ -154,17 +173,20 @@ void EncodeSetViewport(MTL::RenderCommandEncoder* encoder, ZALGLState* state)
         height = static_cast<int32_t>(0u - static_cast<uint32_t>(height));
     }
     // depth always goes from 0 to 1: there is no call that sets a range
-    encoder->setViewport({static_cast<double>(x), static_cast<double>(y), static_cast<double>(width), static_cast<double>(height), 0.0, 1.0});
+    encoder->setViewport({static_cast<double>(x), static_cast<double>(y), static_cast<double>(width),
+                          static_cast<double>(height), 0.0, 1.0});
 }
 
-namespace {
+namespace
+{
 
 /// The stencil half of a depth-stencil state; false when an enumerant has no counterpart.
 bool makeStencil(const ZALGLState& state, MTL::StencilDescriptor*& out)
 {
     uint64_t function = 0, fail = 0, depthFail = 0, pass = 0;
     if (convertCompareFunc(function, state.stencilFunc) || convertStencilOperation(fail, state.stencilFailOp) ||
-        convertStencilOperation(depthFail, state.stencilDepthFailOp) || convertStencilOperation(pass, state.stencilDepthPassOp))
+        convertStencilOperation(depthFail, state.stencilDepthFailOp) ||
+        convertStencilOperation(pass, state.stencilDepthPassOp))
         return false;
     out = MTL::StencilDescriptor::alloc()->init();
     out->setStencilFailureOperation(static_cast<MTL::StencilOperation>(fail));
@@ -185,8 +207,8 @@ void EncodeSetDepthStencilState(MTL::RenderCommandEncoder* encoder, ZALGLState* 
     uint64_t compare = MTL::CompareFunctionAlways;
     if (depth) convertCompareFunc(compare, state->depthFunc);
     MTL::StencilDescriptor* stencil = nullptr;
-    // Kept on purpose: [bad-stencil-state] an unknown function or operation is an error of the draw, which goes on with the
-    // state that was in force before.
+    // Kept on purpose: [bad-stencil-state] an unknown function or operation is an error of the draw, which goes on with
+    // the state that was in force before.
     if (hasStencil && !makeStencil(*state, stencil)) return SetCurrentError(state, GL_INVALID_VALUE);
     MTL::DepthStencilDescriptor* descriptor = MTL::DepthStencilDescriptor::alloc()->init();
     descriptor->setDepthCompareFunction(static_cast<MTL::CompareFunction>(compare));
@@ -200,9 +222,11 @@ void EncodeSetDepthStencilState(MTL::RenderCommandEncoder* encoder, ZALGLState* 
     if (stencil) stencil->release();
 }
 
-// ---- conversions ---------------------------------------------------------------------------------------------------------
+// ---- conversions
+// ---------------------------------------------------------------------------------------------------------
 
-namespace {
+namespace
+{
 
 constexpr int ConversionFailed = 6;
 
@@ -251,7 +275,13 @@ int convertCompareFunc(uint64_t& out, uint32_t function)
     return 0;
 }
 
-int convertStencilOperation(uint64_t& out, uint32_t operation) { return convert(StencilOperations, out, operation); }
-int convertPrimitiveType(uint64_t& out, uint32_t mode) { return convert(PrimitiveTypes, out, mode); }
+int convertStencilOperation(uint64_t& out, uint32_t operation)
+{
+    return convert(StencilOperations, out, operation);
+}
+int convertPrimitiveType(uint64_t& out, uint32_t mode)
+{
+    return convert(PrimitiveTypes, out, mode);
+}
 
 } // namespace ZALMetal

@@ -5,6 +5,8 @@
 
 #include <Metal/Metal.hpp>
 
+#include <vector>
+
 /// State that must be encoded again before the next draw.
 enum ZALMetalDirtyBits : uint32_t
 {
@@ -17,10 +19,9 @@ class ZALMetalState
 {
 public:
     explicit ZALMetalState(MTL::CommandQueue* queue) : _queue(queue) {}
-    ~ZALMetalState() { reportFailure(); }
+    ~ZALMetalState();
     ZALMetalState(const ZALMetalState&) = delete;
     ZALMetalState& operator=(const ZALMetalState&) = delete;
-
 
     void renderPassBegin(MTL::RenderPassDescriptor* descriptor, ZALGLState* state);
     void renderPassEnd();
@@ -37,19 +38,21 @@ public:
 
 private:
     void endEncoders();
-    void commit();
-    void reportFailure();
+    MTL::CommandBuffer* commit();
+    void reportFailures();
     MTL::CommandBuffer* takeCommandBuffer();
 
     MTL::CommandQueue* _queue; // not retained
     MTL::CommandBuffer* _commandBuffer = nullptr;
-    MTL::CommandBuffer* _lastCommitted = nullptr; // retained until its end is known to be good or bad
+    std::vector<MTL::CommandBuffer*>
+        _committed; // in their order; retained until they are known to have ended well or not
     MTL::RenderCommandEncoder* _renderPassCmdEncoder = nullptr;
     MTL::BlitCommandEncoder* _blitEncoder = nullptr;
     uint32_t _dirty = 0;
 };
 
-namespace ZALMetal {
+namespace ZALMetal
+{
 
 void EncodeDefaults(MTL::RenderCommandEncoder* encoder);
 void EncodeSetViewport(MTL::RenderCommandEncoder* encoder, ZALGLState* state);

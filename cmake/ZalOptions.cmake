@@ -7,6 +7,7 @@ target_compile_options(zal_options INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Wcast-align -Woverloaded-virtual -Werror
     -ffp-contract=off -fno-strict-aliasing
     $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict> # g++ 12 sees overlaps in string concatenation that are not there
+    $<$<BOOL:${APPLE}>:-Wno-deprecated-declarations> # releases of metal-cpp rename calls; the old names go on
     $<$<CONFIG:Debug>:-O1>)
 set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_CXX_VISIBILITY_PRESET hidden)

@@ -6,11 +6,13 @@
 #include "raster/Pass.h"
 #include "texturing/Copy.h"
 
+#include <algorithm>
 #include <memory>
 #include <variant>
 #include <vector>
 
-namespace softmetal {
+namespace softmetal
+{
 
 struct DrawRecord
 {
@@ -64,7 +66,8 @@ struct MipmapRecord
     const abi::Texture* texture;
 };
 
-using Record = std::variant<PassRecord, CopyTextureRecord, CopyMemoryRecord, CopyBufferRecord, FillRecord, MipmapRecord>;
+using Record =
+    std::variant<PassRecord, CopyTextureRecord, CopyMemoryRecord, CopyBufferRecord, FillRecord, MipmapRecord>;
 
 /// What presentation asks of a drawable; the window room implements it.
 class Presentable
@@ -95,12 +98,14 @@ public:
     void reset()
     {
         large_.clear();
-        if (chunks_.size() > MostKept) chunks_.resize(MostKept);
+        // What the last use needed is kept for the next one, which is likely to need as much.
+        if (const size_t kept = std::max(LeastKept, chunks_.empty() ? 0 : current_ + 1); chunks_.size() > kept)
+            chunks_.resize(kept);
         current_ = used_ = 0;
     }
 
 private:
-    static constexpr size_t ChunkBytes = 256 * 1024, MostKept = 32;
+    static constexpr size_t ChunkBytes = 256 * 1024, LeastKept = 32;
     std::vector<std::unique_ptr<Memory>> chunks_, large_;
     size_t current_ = 0, used_ = 0; // chunk being filled, and how far
 };

@@ -2,7 +2,8 @@
 // The counters that a host reads each frame.
 #include "drawing/Drawing.h"
 
-namespace {
+namespace
+{
 
 using namespace drawing;
 
@@ -36,7 +37,8 @@ TEST_F(Counters, ImmediateModeCountsAsDraws)
 {
     auto before = now();
     glBegin(GL_TRIANGLES);
-    for (int i = 0; i < 3; ++i) glVertexAttrib4fARB(0, 0, 0, 0, 1);
+    for (int i = 0; i < 3; ++i)
+        glVertexAttrib4fARB(0, 0, 0, 0, 1);
     glEnd();
     EXPECT_EQ(now().draws - before.draws, 1u);
 }
@@ -52,8 +54,10 @@ TEST_F(Counters, PassesAndCommandBuffersAreThoseOfTheDevice)
     glFinish();
     auto after = now();
     auto names = calls();
-    EXPECT_EQ(after.passes - before.passes, static_cast<uint64_t>(std::count(names.begin(), names.end(), "renderCommandEncoder")));
-    EXPECT_EQ(after.commandBuffers - before.commandBuffers, static_cast<uint64_t>(std::count(names.begin(), names.end(), "commit")));
+    EXPECT_EQ(after.passes - before.passes,
+              static_cast<uint64_t>(std::count(names.begin(), names.end(), "renderCommandEncoder")));
+    EXPECT_EQ(after.commandBuffers - before.commandBuffers,
+              static_cast<uint64_t>(std::count(names.begin(), names.end(), "commit")));
     EXPECT_EQ(after.commandBuffers - before.commandBuffers, 2u);
 }
 

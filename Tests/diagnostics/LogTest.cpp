@@ -6,7 +6,8 @@
 #include <algorithm>
 #include <cstdlib>
 
-namespace {
+namespace
+{
 
 using namespace drawing;
 
@@ -64,7 +65,8 @@ protected:
 
     static bool said(const std::string& part)
     {
-        return std::any_of(g_lines.begin(), g_lines.end(), [&](const Line& line) { return line.text.find(part) != std::string::npos; });
+        return std::any_of(g_lines.begin(), g_lines.end(),
+                           [&](const Line& line) { return line.text.find(part) != std::string::npos; });
     }
 
 private:
@@ -98,7 +100,8 @@ TEST_F(Log, LinesAboveTheLevelAreNotSaid)
 
 TEST_F(Log, TheChoiceOfADeviceIsInformation)
 {
-    for (auto [level, lines] : {std::pair(ZALMetalLogLevelWarn, size_t(0)), std::pair(ZALMetalLogLevelInfo, size_t(2))}) {
+    for (auto [level, lines] : {std::pair(ZALMetalLogLevelWarn, size_t(0)), std::pair(ZALMetalLogLevelInfo, size_t(2))})
+    {
         ZALMetalSetLogLevel(level);
         g_lines.clear();
         ZALMetalContext* other = nullptr;
@@ -124,10 +127,12 @@ TEST_F(Log, ARepeatedLineIsSaidTenTimesAndCounted)
 {
     ZALMetalCounters before = {}, after = {};
     ZALMetalGetCounters(&before, sizeof before);
-    for (int i = 0; i < 25; ++i) failOnce();
+    for (int i = 0; i < 25; ++i)
+        failOnce();
     ZALMetalGetCounters(&after, sizeof after);
     ASSERT_EQ(g_lines.size(), 11u);
-    EXPECT_TRUE(std::all_of(g_lines.begin(), g_lines.begin() + 10, [](const Line& line) { return line == g_lines[0]; }));
+    EXPECT_TRUE(
+        std::all_of(g_lines.begin(), g_lines.begin() + 10, [](const Line& line) { return line == g_lines[0]; }));
     EXPECT_EQ(g_lines[10].text, "ZAL Metal, the line before has been said 10 times and is only counted from now on.");
     EXPECT_EQ(after.messagesDropped - before.messagesDropped, 15u);
 
@@ -167,8 +172,10 @@ class LogLevelDeathTest : public testing::Test
 protected:
     [[noreturn]] static void linesOfAContext(const char* level)
     {
-        if (level) setenv("ZALMETAL_LOG_LEVEL", level, 1);
-        else unsetenv("ZALMETAL_LOG_LEVEL");
+        if (level)
+            setenv("ZALMETAL_LOG_LEVEL", level, 1);
+        else
+            unsetenv("ZALMETAL_LOG_LEVEL");
         ZALMetalSetLogCallback([](int, const char*, void* lines) { ++*static_cast<int*>(lines); }, &g_user);
         ZALMetalContext* made = nullptr;
         ZALMetalContextInitFromMTLCommandQueue(made, nullptr, nullptr);

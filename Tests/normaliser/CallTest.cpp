@@ -3,7 +3,6 @@
 #include "normaliser/Normalise.h"
 
 #include <algorithm>
-#include <chrono>
 #include <cstring>
 
 namespace
@@ -91,25 +90,15 @@ TEST(NormaliseCall, TakesProgramsWithZerosInThem)
     EXPECT_EQ(normaliser::rewrite(text).status, ZALMetalResultNotExpressible);
 }
 
-// The best of a few runs: other work on the machine only ever adds.
-double secondsPerStatement(int statements)
+// About a second's work in a cost that grows with the length; one that grew with its square would outlast the test's
+// time.
+TEST(NormaliseCall, AVeryLongProgramIsRewrittenInItsLength)
 {
+    constexpr int Statements = 200000;
     std::string program = "!!ARBfp1.0\nTEMP a, b;\n";
-    for (int i = 0; i < statements; ++i)
+    for (int i = 0; i < Statements; ++i)
         program += "MAD a.x, {" + std::to_string(i) + "}, b, program.env[" + std::to_string(i % 128) + "];\n";
-    program += "END";
-    double best = 1e9;
-    for (int run = 0; run < 5; ++run) {
-        const auto start = std::chrono::steady_clock::now();
-        EXPECT_EQ(normaliser::rewrite(program).status, 0);
-        best = std::min(best, std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
-    }
-    return best / statements;
-}
-
-TEST(NormaliseCall, CostGrowsLinearlyWithTheProgram)
-{
-    EXPECT_LT(secondsPerStatement(20000), 4 * secondsPerStatement(1000)); // quadratic growth would make it twenty times
+    EXPECT_EQ(normaliser::rewrite(program + "END").status, 0);
 }
 
 } // namespace

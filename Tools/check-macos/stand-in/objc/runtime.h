@@ -13,9 +13,12 @@ struct objc_object
 typedef struct objc_object* id;
 typedef struct objc_selector* SEL;
 typedef struct objc_object Protocol;
+typedef void (*IMP)(void);
+typedef signed char BOOL;
 Class objc_lookUpClass(const char* name);
 Protocol* objc_getProtocol(const char* name);
 SEL sel_registerName(const char* name);
+BOOL class_addMethod(Class cls, SEL name, IMP imp, const char* types);
 #ifdef __cplusplus
 }
 #endif
