@@ -46,8 +46,8 @@ void releaseAndForget(T*& object)
 int updateSize(ZALMetalContext* context)
 {
     ZALMetalDrawable* drawable = context->drawable;
-    CGSize wanted{0, 0};
-    if (drawable->view) wanted = drawable->view->bounds().size;
+    if (!drawable->layer) return ZALMetalResultSuccess; // the host's own textures have the size that they have
+    CGSize wanted = drawable->view->bounds().size;
     CGSize now = drawable->layer->drawableSize();
     if (wanted.width == now.width && wanted.height == now.height) return ZALMetalResultSuccess;
     // Kept on purpose: [resize-size] the size that the GL state keeps does not follow.
@@ -130,6 +130,7 @@ int ZALMetalContextCreateCAMetalLayer(ZALMetalContext* context, void* viewPointe
     drawable->view = view;
     drawable->layer = layer;
     setCurrentDrawable(drawable, first);
+    drawable->colorTexture = drawable->depthTexture = nullptr; // those of the host until now, and its own
     drawable->colorPixelFormat = static_cast<MTL::PixelFormat>(pixelFormat);
     drawable->depthPixelFormat = depthFormat;
     CGSize size = layer->drawableSize();
