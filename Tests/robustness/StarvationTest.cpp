@@ -28,6 +28,7 @@ protected:
         ContextTest::SetUp();
         if (HasFatalFailure()) return;
         SoftMetal::setCommandLog(false);
+        SoftMetal::setLogSink([](const std::string&) {}); // a line for every failure
         attachTextures(Side, Side);
         glViewport(0, 0, Side, Side);
         glGenProgramsARB(2, programs);
@@ -36,6 +37,12 @@ protected:
         ASSERT_EQ(load(GL_VERTEX_PROGRAM_ARB, VertexProgram), static_cast<GLenum>(GL_NO_ERROR));
         ASSERT_EQ(load(GL_FRAGMENT_PROGRAM_ARB, FragmentProgram), static_cast<GLenum>(GL_NO_ERROR));
         texels.fill(200);
+    }
+
+    void TearDown() override
+    {
+        SoftMetal::setLogSink({});
+        ContextTest::TearDown();
     }
 
     static GLenum load(GLenum target, const char* text)
@@ -119,6 +126,13 @@ bool isExpected(GLenum error)
            error == GL_INVALID_VALUE;
 }
 
+/// A texture that could not be made is one that a draw does not find; nothing else may be told of.
+void expectOnlyMissingBindings()
+{
+    for (const SoftMetal::Message& message : SoftMetal::takeMessages())
+        EXPECT_EQ(message.rule.rfind("draw.missing-", 0), 0u) << message.sentence;
+}
+
 TEST_F(Starvation, OfAFrame)
 {
     expectFrame();
@@ -132,6 +146,7 @@ TEST_F(Starvation, OfAFrame)
                 frame();
             }
             EXPECT_TRUE(isExpected(glGetError()));
+            expectOnlyMissingBindings();
             expectFrame();
         }
     }
@@ -155,6 +170,7 @@ TEST_F(Starvation, OfTheCachesOfAFirstFrame)
             frame();
         }
         EXPECT_TRUE(isExpected(glGetError()));
+        expectOnlyMissingBindings();
         expectFrame();
     }
 }

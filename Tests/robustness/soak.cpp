@@ -25,7 +25,7 @@
 namespace
 {
 
-constexpr int SizeEvery = 7, SwitchEvery = 5, TextureEvery = 3, ProgramEvery = 100, ContextEvery = 250;
+constexpr int SizeEvery = 7, SwitchEvery = 5, TextureEvery = 3, ProgramEvery = 20, ContextEvery = 50;
 constexpr double MostGrowth = 0.01;
 constexpr int64_t SpareObjects = 16; // two layers hold one to three textures each, as the frames overlap
 
