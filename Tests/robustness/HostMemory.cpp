@@ -28,6 +28,8 @@ void* __real_malloc(size_t bytes);
 void* __real_realloc(void* memory, size_t bytes);
 void* __real__Znwm(size_t bytes);
 void* __real__ZnwmRKSt9nothrow_t(size_t bytes, const std::nothrow_t& nothrow);
+void* __real__Znam(size_t bytes);
+void* __real__ZnamRKSt9nothrow_t(size_t bytes, const std::nothrow_t& nothrow);
 
 void* __wrap_malloc(size_t bytes)
 {
@@ -45,6 +47,15 @@ void* __wrap__Znwm(size_t bytes)
 void* __wrap__ZnwmRKSt9nothrow_t(size_t bytes, const std::nothrow_t& nothrow)
 {
     return fails() ? nullptr : __real__ZnwmRKSt9nothrow_t(bytes, nothrow);
+}
+void* __wrap__Znam(size_t bytes)
+{
+    if (fails()) throw std::bad_alloc();
+    return __real__Znam(bytes);
+}
+void* __wrap__ZnamRKSt9nothrow_t(size_t bytes, const std::nothrow_t& nothrow)
+{
+    return fails() ? nullptr : __real__ZnamRKSt9nothrow_t(bytes, nothrow);
 }
 }
 

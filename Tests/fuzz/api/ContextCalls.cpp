@@ -165,6 +165,29 @@ void getProcAddress(Arguments& a)
     ZALMetalGetProcAddress(name);
 }
 
+void getCounters(Arguments& a)
+{
+    size_t size = a.input.byte() % (sizeof(ZALMetalCounters) + 1);
+    auto* counters = reinterpret_cast<ZALMetalCounters*>(a.world.memory(size, a.input));
+    ZALMetalGetCounters(a.input.byte() < 16 ? nullptr : counters, size);
+}
+
+void setLogLevel(Arguments& a)
+{
+    ZALMetalSetLogLevel(a.integer());
+}
+
+void countCharacters(int, const char* line, void* user)
+{
+    *static_cast<size_t*>(user) += std::strlen(line);
+}
+
+void setLogCallback(Arguments& a)
+{
+    static size_t characters = 0;
+    ZALMetalSetLogCallback(a.input.byte() & 1 ? &countCharacters : nullptr, &characters);
+}
+
 void normaliseProgram(Arguments& a)
 {
     const std::string_view text = ProgramTexts[a.input.byte() % ProgramTexts.size()].text;
@@ -193,6 +216,9 @@ constexpr Call Calls[] = {
     {"ZALMetalContextUpdateSize", updateSize},
     {"ZALMetalGetProcAddress", getProcAddress},
     {"ZALMetalNormaliseProgram", normaliseProgram},
+    {"ZALMetalGetCounters", getCounters},
+    {"ZALMetalSetLogCallback", setLogCallback},
+    {"ZALMetalSetLogLevel", setLogLevel},
 };
 
 } // namespace

@@ -136,6 +136,8 @@ void World::end()
     forgetObjects();
     checkFrame();
     SoftMetal::takeMessages();
+    ZALMetalSetLogCallback(nullptr, nullptr);
+    ZALMetalSetLogLevel(ZALMetalLogLevelInfo);
 }
 
 void World::forgetObjects()
