@@ -20,12 +20,12 @@ void setCurrentDrawable(ZALMetalDrawable* drawable, CA::MetalDrawable* next)
     drawable->currentDrawable = next;
 }
 
-/// Truncated; values of 2^63 and above keep their lower bits.
+/// Truncated; what no number of 64 bits holds becomes the largest.
 uint64_t toUnsigned(CGFloat value)
 {
-    constexpr CGFloat Limit = 9223372036854775808.0;
+    constexpr CGFloat Limit = 18446744073709551616.0;
     if (!(value >= 0)) return 0;
-    return value < Limit ? static_cast<uint64_t>(value) : static_cast<uint64_t>(value - Limit) | (uint64_t{1} << 63);
+    return value < Limit ? static_cast<uint64_t>(value) : UINT64_MAX;
 }
 
 MTL::Texture* newFramebufferTexture(MTL::Device* device, MTL::PixelFormat format, CGSize size)

@@ -74,6 +74,18 @@ TEST_F(Layer, OfAViewWithoutEndIsNotMade)
     SoftMetal::takeMessages();
 }
 
+TEST_F(Layer, LosesItsTexturesInAViewWithoutEndAndGetsThemBack)
+{
+    constexpr double Endless = std::numeric_limits<double>::infinity();
+    attach();
+    SoftMetal::setViewSize(view, Endless, 48);
+    EXPECT_EQ(drawable().colorTexture, nullptr);
+    SoftMetal::takeMessages();
+    SoftMetal::setViewSize(view, 32, 48);
+    ASSERT_NE(drawable().colorTexture, nullptr);
+    EXPECT_EQ(drawable().colorTexture->width(), 32u);
+}
+
 TEST_F(Layer, ASizeUpdateWithoutOneChangesNothing)
 {
     attachTextures(4, 4);
