@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <memory>
+#include <new>
 #include <string>
 
 namespace ZALMetal {
@@ -28,6 +30,14 @@ bool write(const std::string& path, std::string_view bytes)
     return std::fclose(file) == 0 && whole;
 }
 
+bool read(const std::string& path, std::string& text)
+{
+    std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rb"), &std::fclose);
+    char part[4096];
+    while (size_t count = file ? std::fread(part, 1, sizeof part, file.get()) : 0) text.append(part, count);
+    return file != nullptr;
+}
+
 } // namespace
 
 ZALM::String ProgramHash(std::string_view program)
@@ -43,8 +53,12 @@ void DumpProgram(bool isVertexProgram, std::string_view program, const ZALM::Str
 {
     const char* folder = folderOf("ZALMETAL_SHADER_DUMP_DIR");
     if (!folder) return;
-    bool written = write(pathOf(folder, program, isVertexProgram ? ".vp" : ".fp"), program) &&
-                   write(pathOf(folder, program, ".metal"), {source.Buffer(), static_cast<size_t>(source.GetStringBytes())});
+    bool written = false;
+    try {
+        written = write(pathOf(folder, program, isVertexProgram ? ".vp" : ".fp"), program) &&
+                  write(pathOf(folder, program, ".metal"), {source.Buffer(), static_cast<size_t>(source.GetStringBytes())});
+    } catch (const std::bad_alloc&) { // said like any other reason
+    }
     if (!written) Log(ZALMetalLogLevelError, "ZAL Metal, a program cannot be written to %s", folder);
 }
 
@@ -52,15 +66,15 @@ void ReplaceProgramSource(std::string_view program, ZALM::String& source)
 {
     const char* folder = folderOf("ZALMETAL_SHADER_REPLACE_DIR");
     if (!folder) return;
-    const std::string path = pathOf(folder, program, ".metal");
-    std::FILE* file = std::fopen(path.c_str(), "rb");
-    if (!file) return;
-    std::string text;
-    char part[4096];
-    while (size_t count = std::fread(part, 1, sizeof part, file)) text.append(part, count);
-    std::fclose(file);
-    source.SetUTF8Buffer(text.c_str(), -1); // a file ends at its first NUL, as programs do
-    Log(ZALMetalLogLevelInfo, "ZAL Metal, the source of a program is replaced by %s", path.c_str());
+    try {
+        const std::string path = pathOf(folder, program, ".metal");
+        std::string text;
+        if (!read(path, text)) return;
+        source.SetUTF8Buffer(text.c_str(), -1); // a file ends at its first NUL, as programs do
+        Log(ZALMetalLogLevelInfo, "ZAL Metal, the source of a program is replaced by %s", path.c_str());
+    } catch (const std::bad_alloc&) {
+        Log(ZALMetalLogLevelError, "ZAL Metal, no memory for a program from %s", folder);
+    }
 }
 
 } // namespace ZALMetal

@@ -52,7 +52,6 @@ NormaliserRun::NormaliserRun(std::string_view kind, std::string_view program, st
     : tokens(ReadTokens(program)), vertex(kind.find("vp") != std::string_view::npos), header(kind), faults(found)
 {
     // Helper names begin with a word that no name of the program begins with.
-    helperPrefix = "zal_";
     const auto taken = [this](const Token& token) { return StartsWithNoCase(token.text, helperPrefix); };
     for (int number = 1; std::any_of(tokens.begin(), tokens.end(), taken); ++number)
         helperPrefix = "zal" + std::to_string(number) + "_";

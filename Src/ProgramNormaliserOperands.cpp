@@ -14,9 +14,9 @@ constexpr std::string_view kLetters = "xyzw";
 // The letters of a swizzle that stand for what an instruction reads.
 std::string LettersRead(const std::string& swizzle, Reads reads, const std::string& mask)
 {
-    const std::string wide = swizzle.empty()       ? std::string(kLetters)
-                             : swizzle.size() == 1 ? std::string(4, swizzle[0])
-                                                   : swizzle;
+    std::string wide = swizzle.empty()       ? std::string(kLetters)
+                       : swizzle.size() == 1 ? std::string(4, swizzle[0])
+                                             : swizzle;
     switch (reads) {
     case Reads::First:
         return wide.substr(0, 1);
@@ -276,7 +276,7 @@ std::string NormaliserRun::ConstantFor(const std::string& vector)
     const auto known = constants.find(vector);
     if (known != constants.end()) return known->second;
 
-    const std::string name = Helper("c") + std::to_string(constants.size());
+    std::string name = Helper("c") + std::to_string(constants.size());
     constants.emplace(vector, name);
     firstLines.push_back("PARAM " + name + " = " + vector);
     return name;

@@ -203,7 +203,7 @@ private:
     Token global;    // a use of a global
 
     // What is written.
-    std::string helperPrefix; // of names that the program does not use
+    std::string helperPrefix = "zal_"; // of names that the program does not use
     bool hasLoops = false;
     bool positionInvariant = false;
     bool usesScratch = false;

@@ -144,7 +144,6 @@ int ShaderString::AddARBKeyWord(SHADER_PROGRAM kind, const ZALM::String& binding
     ZALM::Vector<ZALM::String> components;
     const int status = SplitInto(components, binding, ".");
     if (status != 0 || replacement.MemorySize() == 0) return ZALM::OutOfMemory;
-    if (components.empty()) return kNoComponent;
 
     ZALM::Vector<ARBKeyWord*>* level = &_arb_keys[kind];
     ARBKeyWord* node = nullptr;
@@ -157,6 +156,8 @@ int ShaderString::AddARBKeyWord(SHADER_PROGRAM kind, const ZALM::String& binding
         if (!node) return ZALM::OutOfMemory;
         level = &node->children;
     }
+    if (!node) return kNoComponent;
+
     node->replacement = replacement;
     node->type = type;
     node->index = index;

@@ -132,7 +132,7 @@ private:
     bool Reserve(size_t more)
     {
         if (failed) return false;
-        if (size + more <= capacity) return true;
+        if (bytes && size + more <= capacity) return true;
 
         size_t wanted = capacity + capacity / 2;
         if (wanted < size + more) wanted = size + more;

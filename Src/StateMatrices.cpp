@@ -52,6 +52,7 @@ const StateMatrixData& StateMatricesOf(const ZALGLState& gl)
     bool combined = false;
     for (size_t i = 0; i < Stacks; ++i) {
         const float* top = gl.matrixStacks[i].entries[gl.matrixStacks[i].depth];
+        // NOLINTNEXTLINE(bugprone-suspicious-memory-comparison): equal bits, so that a NaN equals itself
         if (sameKind && memo.known[i] && std::memcmp(memo.tops[i], top, sizeof memo.tops[i]) == 0) continue;
         std::memcpy(memo.tops[i], top, sizeof memo.tops[i]);
         memo.known[i] = true;

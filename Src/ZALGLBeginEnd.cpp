@@ -2,6 +2,7 @@
 #include "ZALGLBeginEnd.h"
 
 #include <algorithm>
+#include <cstdint>
 
 void ZALGLBeginEnd::End(ZALGLState* state)
 {
@@ -22,7 +23,7 @@ bool ZALGLBeginEnd::Store(uint32_t index, float x, float y, float z, float w)
     if (mode == 0) return false;
     // Kept on purpose: [four-vertices] a fifth vertex, or any attribute after the fourth, makes the whole pair draw nothing.
     if (vertexCount >= MostVertices) {
-        ++vertexCount;
+        if (vertexCount < INT32_MAX) ++vertexCount;
         return false;
     }
     const float values[4] = {x, y, z, w};

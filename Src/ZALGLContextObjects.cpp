@@ -3,9 +3,10 @@
 
 ZALGLContextObjects::ZALGLContextObjects()
 {
-    auto* defaultFramebuffer = new ZALGLFramebufferObject;
+    auto* defaultFramebuffer = new (std::nothrow) ZALGLFramebufferObject;
     bool inserted = false;
-    // Without it draws into framebuffer 0 find no object and do nothing, as after its deletion.
+    // Whoever makes the stores looks for it: without memory it is not there.
+    if (!defaultFramebuffer) return;
     if (framebuffers.objects.insert(inserted, 0, defaultFramebuffer) == ZALM::Success) ++ZALMetal::g_counters.objects;
     else delete defaultFramebuffer;
 }

@@ -9,7 +9,7 @@
 
 /// The GL objects of a context and of every context made from it: one store for each kind, each counting its own names.
 /// Made with the first of those contexts; the default framebuffer stands in the framebuffer store under name 0 from the
-/// start.
+/// start, unless there was no memory for it.
 class ZALGLContextObjects
 {
 public:

@@ -162,6 +162,7 @@ void glProgramStringARB(GLenum target, GLenum format, GLsizei len, const void* s
 
     ZALMetal::DumpProgram(target == GL_VERTEX_PROGRAM_ARB, {characters, length}, text);
     ZALMetal::ReplaceProgramSource({characters, length}, text);
+    if (text.MemorySize() == 0) return SetCurrentError(gl, GL_OUT_OF_MEMORY);
     MTL::Library* library = compile(*gl, text);
     // Kept on purpose: [reload-keeps-pipeline] pipelines made with the old text stay; only deleting the program drops them.
     program->SetMTLLibrary(library);

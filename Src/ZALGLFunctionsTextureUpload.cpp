@@ -94,10 +94,12 @@ struct Destination
 NS::UInteger u(int32_t value) { return static_cast<NS::UInteger>(static_cast<int64_t>(value)); }
 
 // Kept on purpose: [unpack-ignored] rows and images follow one another without gaps, whatever glPixelStorei was told.
-void uploadConverted(const ConversionPath& path, const Destination& d, const uint8_t* pixels)
+void uploadConverted(ZALGLState* state, const ConversionPath& path, const Destination& d, const uint8_t* pixels)
 {
-    size_t texels = d.width > 0 ? static_cast<size_t>(d.width) : 0, rowBytes = texels * path.texelBytes;
-    auto* row = static_cast<uint8_t*>(std::malloc(rowBytes ? rowBytes : 1));
+    if (d.width <= 0) return; // rows of nothing, however many
+    size_t texels = static_cast<size_t>(d.width), rowBytes = texels * path.texelBytes;
+    auto* row = static_cast<uint8_t*>(std::malloc(rowBytes));
+    if (!row) return SetCurrentError(state, GL_OUT_OF_MEMORY);
     for (int32_t k = 0; k < d.depth; ++k) {
         for (int32_t r = 0; r < d.height; ++r) {
             path.convert(pixels, row, d.width);
@@ -157,7 +159,7 @@ void ZALMetalTexInitOrReplaceRegion(ZALGLState* state, ZALMetalState* metalState
     Destination destination{metal, face, level, xoffset, yoffset, zoffset, width, height, depth};
     for (const ConversionPath& path : ConversionPaths)
         if (path.format == format && path.type == type && path.texture == pixelFormat)
-            return uploadConverted(path, destination, static_cast<const uint8_t*>(pixels));
+            return uploadConverted(state, path, destination, static_cast<const uint8_t*>(pixels));
     for (const DirectPath& path : DirectPaths)
         if (path.format == format && path.type == type && path.texture == pixelFormat) return uploadDirect(path, destination, pixels);
     SetCurrentError(state, GL_INVALID_ENUM);

@@ -5,6 +5,7 @@
 #include "foundation/Map.h"
 
 #include <cstdint>
+#include <new>
 
 /// Objects of one kind by GL name. The store owns them; names count up and are never used again.
 template <class T>
@@ -46,7 +47,8 @@ private:
     uint32_t Create()
     {
         uint32_t name = nextName++;
-        auto* object = new T;
+        auto* object = new (std::nothrow) T;
+        if (!object) return 0;
         ++ZALMetal::g_counters.objects;
         bool inserted = false;
         if (objects.insert(inserted, name, object) == ZALM::Success && inserted) return name;

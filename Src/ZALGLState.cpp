@@ -4,9 +4,11 @@
 #include "ZALGLBeginEnd.h"
 #include "ZALMetalData.h"
 
+#include <new>
+
 ZALMetalContext* g_currentContext = nullptr;
 
-ZALGLState::ZALGLState(ZALGLContextObjects* objects) : contextObjects(objects), beginEnd(new ZALGLBeginEnd)
+ZALGLState::ZALGLState(ZALGLContextObjects* objects) : contextObjects(objects), beginEnd(new (std::nothrow) ZALGLBeginEnd)
 {
     for (MatrixStack& stack : matrixStacks) {
         for (int i = 0; i < 4; ++i)

@@ -70,7 +70,7 @@ struct ZALGLState
 
     // objects, immediate mode, program errors
     ZALGLContextObjects* contextObjects; // shared, not owned
-    ZALGLBeginEnd* beginEnd;             // owned
+    ZALGLBeginEnd* beginEnd;             // owned; null without memory, and then no context is made of this
     int32_t programErrorPosition = -1;   // -1: the last program loaded without an error
     char programErrorString[2048] = {};  // empty: likewise
 

@@ -6,6 +6,7 @@
 #include <AppKit/AppKit.hpp>
 #include <Foundation/Foundation.hpp>
 
+#include <new>
 #include <utility>
 
 namespace {
@@ -148,7 +149,12 @@ ZALMetalBlitter* ZALMetalBlitterInit(MTL::Device* device)
     NS::Error* error = nullptr;
     MTL::Library* library = device->newLibrary(text(ShaderSource), nullptr, &error);
     if (!library) NS::raise("Failed to compile shaders", error ? error->localizedDescription()->utf8String() : "");
-    auto* blitter = new ZALMetalBlitter{};
+    auto* blitter = new (std::nothrow) ZALMetalBlitter{};
+    if (!blitter) {
+        library->release();
+        pool->release();
+        return nullptr;
+    }
     blitter->library = library;
     MTL::DepthStencilDescriptor* always = MTL::DepthStencilDescriptor::alloc()->init();
     always->setDepthCompareFunction(MTL::CompareFunctionAlways);

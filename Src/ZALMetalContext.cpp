@@ -9,6 +9,7 @@
 #include "ZALMetalState.h"
 
 #include <cstdlib>
+#include <new>
 
 // ---- Creating --------------------------------------------------------------------------------------------------------------
 
@@ -69,23 +70,67 @@ bool sharesDevice(const ZALMetalContext* shareContext, MTL::Device* device)
     return false;
 }
 
+/// The objects of the share context or new ones, counted for one context more; null without memory.
 ZALGLContextObjects* sharedOrNew(ZALMetalContext* shareContext)
 {
-    if (!shareContext) return new ZALGLContextObjects;
-    ++shareContext->glState->contextObjects->contexts;
-    return shareContext->glState->contextObjects;
+    if (shareContext) {
+        ++shareContext->glState->contextObjects->contexts;
+        return shareContext->glState->contextObjects;
+    }
+    auto* objects = new (std::nothrow) ZALGLContextObjects;
+    if (objects && objects->framebuffers.Find(0)) return objects;
+    delete objects;
+    return nullptr;
+}
+
+void letGo(ZALGLContextObjects* objects)
+{
+    if (objects && --objects->contexts == 0) delete objects;
+}
+
+/// A handle with GL state and a place to present, and no Metal data yet; null without memory.
+ZALMetalContext* newContext(ZALMetalContext* shareContext)
+{
+    auto* context = static_cast<ZALMetalContext*>(std::malloc(sizeof(ZALMetalContext)));
+    auto* drawable = new (std::nothrow) ZALMetalDrawable;
+    ZALGLContextObjects* objects = sharedOrNew(shareContext);
+    auto* gl = objects ? new (std::nothrow) ZALGLState(objects) : nullptr;
+    if (context && drawable && gl && gl->beginEnd) {
+        *context = ZALMetalContext{nullptr, gl, drawable};
+        return context;
+    }
+    delete gl;
+    letGo(objects);
+    delete drawable;
+    std::free(context);
+    return nullptr;
+}
+
+/// The Metal side of a context; null without memory.
+ZALMetalData* newMetalData(const Chosen& chosen)
+{
+    auto* data = new (std::nothrow) ZALMetalData{};
+    auto* metalState = new (std::nothrow) ZALMetalState(chosen.queue);
+    ZALMetalBlitter* blitter = data && metalState ? ZALMetalBlitterInit(chosen.device) : nullptr;
+    if (blitter) {
+        *data = ZALMetalData{chosen.device, chosen.queue, nullptr, false, metalState, blitter, 1, chosen.owned};
+        return data;
+    }
+    delete metalState;
+    delete data;
+    return nullptr;
 }
 
 /// Undoes what a creation that failed has made. Nothing of it was ever handed out.
-int giveUp(ZALMetalContext* context, const Chosen& chosen)
+int giveUp(ZALMetalContext* context, const Chosen& chosen, int result)
 {
-    ZALGLContextObjects* objects = context->glState->contextObjects;
-    if (--objects->contexts == 0) delete objects;
+    letGo(context->glState->contextObjects);
     delete context->glState;
+    delete context->drawable;
     if (chosen.owned && chosen.queue) chosen.queue->release();
     if (chosen.owned) chosen.device->release();
     std::free(context);
-    return ZALMetalResultDeviceUnavailable;
+    return result;
 }
 
 } // namespace
@@ -93,19 +138,17 @@ int giveUp(ZALMetalContext* context, const Chosen& chosen)
 int ZALMetalContextInitFromMTLCommandQueue(ZALMetalContext*& outContext, ZALMetalContext* shareContext, void* commandQueue)
 {
     ScopedPool pool;
-    auto* context = static_cast<ZALMetalContext*>(std::malloc(sizeof(ZALMetalContext)));
-    context->glState = new ZALGLState(sharedOrNew(shareContext));
+    ZALMetalContext* context = newContext(shareContext);
+    if (!context) return ZALMetalResultOutOfMemory;
     ZALGLState& gl = *context->glState;
     ApplyEnvironmentSwitches(gl);
     if (gl.useMetalDeviceWrapper) setenv("METAL_DEVICE_WRAPPER_TYPE", "1", 1);
 
     Chosen chosen;
-    if (!choose(gl, commandQueue, chosen) || !sharesDevice(shareContext, chosen.device)) return giveUp(context, chosen);
+    if (!choose(gl, commandQueue, chosen) || !sharesDevice(shareContext, chosen.device)) return giveUp(context, chosen, ZALMetalResultDeviceUnavailable);
     checkCapture(gl);
-    ZALMetalBlitter* blitter = ZALMetalBlitterInit(chosen.device);
-    context->metalData =
-        new ZALMetalData{chosen.device, chosen.queue, nullptr, false, new ZALMetalState(chosen.queue), blitter, 1, chosen.owned};
-    context->drawable = new ZALMetalDrawable;
+    context->metalData = newMetalData(chosen);
+    if (!context->metalData) return giveUp(context, chosen, ZALMetalResultOutOfMemory);
     gl.isIntelDevice = NS::hasPrefix(chosen.device->name(), "Intel(R)");
     outContext = context;
     return ZALMetalContextMakeCurrent(context);
@@ -114,13 +157,12 @@ int ZALMetalContextInitFromMTLCommandQueue(ZALMetalContext*& outContext, ZALMeta
 int ZALMetalContextInitFromShareContext(ZALMetalContext*& outContext, ZALMetalContext* shareContext)
 {
     if (!shareContext) return ZALMetalResultInvalidArgument;
-    auto* context = static_cast<ZALMetalContext*>(std::malloc(sizeof(ZALMetalContext)));
-    context->glState = new ZALGLState(sharedOrNew(shareContext));
+    ZALMetalContext* context = newContext(shareContext);
+    if (!context) return ZALMetalResultOutOfMemory;
     ApplyEnvironmentSwitches(*context->glState);
     // Kept on purpose: [share-intel-flag] the flag of Intel devices stays as it starts, set, whatever the device is.
     context->metalData = shareContext->metalData;
     ++context->metalData->contexts;
-    context->drawable = new ZALMetalDrawable;
     outContext = context;
     return ZALMetalContextMakeCurrent(context);
 }
@@ -176,7 +218,7 @@ int ZALMetalContextDestroy(ZALMetalContext* context)
         drawable->layer->release();
     }
     delete drawable;
-    if (--gl->contextObjects->contexts == 0) delete gl->contextObjects;
+    letGo(gl->contextObjects);
     delete gl;
     if (--data->contexts > 0) return ZALMetalResultSuccess;
     ZALMetalBlitterRelease(data->blitter);

@@ -24,12 +24,12 @@ void setCurrentDrawable(ZALMetalDrawable* drawable, CA::MetalDrawable* next)
     drawable->currentDrawable = next;
 }
 
-/// Truncated; values of 2^63 and above keep their lower bits.
+/// Truncated; what no number of 64 bits holds becomes the largest.
 uint64_t toUnsigned(CGFloat value)
 {
-    constexpr CGFloat Limit = 9223372036854775808.0;
+    constexpr CGFloat Limit = 18446744073709551616.0;
     if (!(value >= 0)) return 0;
-    return value < Limit ? static_cast<uint64_t>(value) : static_cast<uint64_t>(value - Limit) | (uint64_t{1} << 63);
+    return value < Limit ? static_cast<uint64_t>(value) : UINT64_MAX;
 }
 
 MTL::Texture* newFramebufferTexture(MTL::Device* device, MTL::PixelFormat format, CGSize size)
@@ -51,8 +51,8 @@ void releaseAndForget(T*& object)
 int updateSize(ZALMetalContext* context)
 {
     ZALMetalDrawable* drawable = context->drawable;
-    CGSize wanted{0, 0};
-    if (drawable->view) wanted = drawable->view->bounds().size;
+    if (!drawable->layer) return ZALMetalResultSuccess; // the host's own textures have the size that they have
+    CGSize wanted = drawable->view->bounds().size;
     CGSize now = drawable->layer->drawableSize();
     if (wanted.width == now.width && wanted.height == now.height) return ZALMetalResultSuccess;
     // Kept on purpose: [resize-size] the size that the GL state keeps does not follow.
@@ -154,6 +154,7 @@ int ZALMetalContextCreateCAMetalLayer(ZALMetalContext* context, void* viewPointe
     drawable->view = view;
     drawable->layer = layer;
     setCurrentDrawable(drawable, first);
+    drawable->colorTexture = drawable->depthTexture = nullptr; // those of the host until now, and its own
     drawable->colorPixelFormat = static_cast<MTL::PixelFormat>(pixelFormat);
     drawable->depthPixelFormat = depthFormat;
     CGSize size = layer->drawableSize();

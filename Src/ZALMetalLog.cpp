@@ -11,7 +11,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <string>
+#include <memory>
+#include <new>
 
 namespace {
 
@@ -73,16 +74,27 @@ Settings& settings()
     return current;
 }
 
-std::string formatted(const char* format, va_list arguments)
+/// A line of printf's making. Without memory for a long one it is cut, so that even then something is said.
+class Line
 {
-    va_list again;
-    va_copy(again, arguments);
-    const int length = std::vsnprintf(nullptr, 0, format, again);
-    va_end(again);
-    std::string line(static_cast<size_t>(std::max(length, 0)), '\0');
-    std::vsnprintf(line.data(), line.size() + 1, format, arguments);
-    return line;
-}
+public:
+    Line(const char* format, va_list arguments)
+    {
+        va_list again;
+        va_copy(again, arguments);
+        const int length = std::vsnprintf(short_, sizeof short_, format, again);
+        va_end(again);
+        if (length < static_cast<int>(sizeof short_)) return;
+        const size_t bytes = static_cast<size_t>(length) + 1;
+        long_.reset(new (std::nothrow) char[bytes]);
+        if (long_) std::vsnprintf(long_.get(), bytes, format, arguments);
+    }
+    const char* text() const { return long_ ? long_.get() : short_; }
+
+private:
+    char short_[1024] = {};
+    std::unique_ptr<char[]> long_;
+};
 
 void say(ZALMetalLogLevel level, const char* line)
 {
@@ -100,15 +112,15 @@ void Log(ZALMetalLogLevel level, const char* format, ...)
     if (level > settings().level) return;
     va_list arguments;
     va_start(arguments, format);
-    const std::string line = formatted(format, arguments);
+    const Line line(format, arguments);
     va_end(arguments);
 
-    const uint32_t times = count(line.c_str());
+    const uint32_t times = count(line.text());
     if (times > MostRepeats) {
         ++g_counters.messagesDropped;
         return;
     }
-    say(level, line.c_str());
+    say(level, line.text());
     if (times == MostRepeats) say(level, "ZAL Metal, the line before has been said 10 times and is only counted from now on.");
 }
 

@@ -88,9 +88,15 @@ void LayerObject::viewSizeIs(CGSize size)
     });
 }
 
+/// A side of the layer in whole pixels; one that no texture has where it is beyond counting.
+static uint32_t pixelsOf(CGFloat side)
+{
+    return side < CGFloat{UINT32_MAX} ? static_cast<uint32_t>(side) : UINT32_MAX;
+}
+
 bool LayerObject::fits(const TextureObject& texture) const
 {
-    return texture.view.width == static_cast<uint32_t>(properties_.size.width) && texture.view.height == static_cast<uint32_t>(properties_.size.height) &&
+    return texture.view.width == pixelsOf(properties_.size.width) && texture.view.height == pixelsOf(properties_.size.height) &&
            texture.description.pixelFormat == properties_.pixelFormat && texture.framebufferOnly == properties_.framebufferOnly &&
            texture.device.get() == properties_.device.get();
 }
@@ -99,8 +105,8 @@ TextureObject* LayerObject::makeTexture() const
 {
     TextureDescriptorObject d;
     d.pixelFormat = properties_.pixelFormat;
-    d.width = static_cast<NS::UInteger>(properties_.size.width);
-    d.height = static_cast<NS::UInteger>(properties_.size.height);
+    d.width = pixelsOf(properties_.size.width);
+    d.height = pixelsOf(properties_.size.height);
     d.storageMode = MTL::StorageModePrivate;
     d.usage = properties_.framebufferOnly ? MTL::TextureUsageRenderTarget : MTL::TextureUsageRenderTarget | MTL::TextureUsageShaderRead;
     TextureObject* texture = TextureObject::make(properties_.device.get(), d);

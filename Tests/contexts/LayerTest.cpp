@@ -4,6 +4,7 @@
 #include "contexts/Pattern.h"
 #include "support/ContextFixture.h"
 
+#include <limits>
 #include <memory>
 
 namespace {
@@ -52,6 +53,44 @@ TEST_F(Layer, IsMadeForTheViewWithATextureForColourAndOneForDepth)
     EXPECT_NE(drawable().currentDrawable, nullptr); // the first one was asked for already
     EXPECT_EQ(gl().defaultFramebufferWidth, 64u);
     EXPECT_EQ(gl().defaultFramebufferHeight, 48u);
+}
+
+TEST_F(Layer, LeavesTheTexturesThatTheHostGaveBeforeToTheHost)
+{
+    attachTextures(4, 4);
+    const NS::UInteger colorCount = color->retainCount(), depthCount = depth->retainCount();
+    attach();
+    EXPECT_NE(drawable().colorTexture, color);
+    EXPECT_EQ(color->retainCount(), colorCount);
+    EXPECT_EQ(depth->retainCount(), depthCount);
+}
+
+TEST_F(Layer, OfAViewWithoutEndIsNotMade)
+{
+    constexpr double Endless = std::numeric_limits<double>::infinity();
+    SoftMetal::setViewSize(view, Endless, Endless);
+    EXPECT_EQ(ZALMetalContextCreateCAMetalLayer(context, view, Bgra8, Depth32), ZALMetalResultInvalidArgument);
+    EXPECT_EQ(SoftMetal::layerOf(view), nullptr);
+    SoftMetal::takeMessages();
+}
+
+TEST_F(Layer, LosesItsTexturesInAViewWithoutEndAndGetsThemBack)
+{
+    constexpr double Endless = std::numeric_limits<double>::infinity();
+    attach();
+    SoftMetal::setViewSize(view, Endless, 48);
+    EXPECT_EQ(drawable().colorTexture, nullptr);
+    SoftMetal::takeMessages();
+    SoftMetal::setViewSize(view, 32, 48);
+    ASSERT_NE(drawable().colorTexture, nullptr);
+    EXPECT_EQ(drawable().colorTexture->width(), 32u);
+}
+
+TEST_F(Layer, ASizeUpdateWithoutOneChangesNothing)
+{
+    attachTextures(4, 4);
+    EXPECT_EQ(ZALMetalContextUpdateSize(context), ZALMetalResultSuccess);
+    EXPECT_EQ(drawable().colorTexture, color);
 }
 
 TEST_F(Layer, WithoutADepthFormatThereIsNoDepthTexture)

@@ -73,6 +73,13 @@ private:
     GLenum pipelines_ = 0;
 };
 
+TEST_F(Log, ALongLineIsSaidWhole)
+{
+    const std::string name(3000, 'x'), program = "!!ARBfp1.0\nMOV result.color, |" + name + ";\nEND\n";
+    EXPECT_EQ(load(GL_FRAGMENT_PROGRAM_ARB, program), InvalidOperation);
+    EXPECT_TRUE(said(name));
+}
+
 TEST_F(Log, TheHostsCallbackReceivesLinesInsteadOfTheSystemsLog)
 {
     contexts::Logged system;

@@ -3,6 +3,7 @@
 #include "ZALGLBeginEnd.h"
 #include "drawing/Drawing.h"
 
+#include <cstdint>
 #include <cstring>
 #include <functional>
 
@@ -49,6 +50,16 @@ TEST_P(Immediate, FourVerticesMakeAQuad)
     EXPECT_EQ(made[0].number("baseInstance"), 0);
     EXPECT_EQ(error(), NoError);
     EXPECT_EQ(pixel(), "0 255 0 255");
+}
+
+TEST_P(Immediate, VerticesWithoutEndAreOneTooMany)
+{
+    glBegin(GL_TRIANGLES);
+    collected().vertexCount = INT32_MAX; // as after so many calls
+    for (int i = 0; i < 2; ++i) glVertexAttrib4fARB(0, 0, 0, 0, 1);
+    EXPECT_EQ(collected().vertexCount, INT32_MAX);
+    glEnd();
+    EXPECT_TRUE(entries("drawPrimitives").empty());
 }
 
 TEST_P(Immediate, VerticesTravelInline)

@@ -2,6 +2,8 @@
 // Sub-images: where they land on the converting paths and on the direct one, and what is refused.
 #include "textures/Client.h"
 
+#include <limits>
+
 namespace textures
 {
 
@@ -62,6 +64,17 @@ size_t texelBytes(MTL::Texture* t)
     default:
         return 4;
     }
+}
+
+TEST_P(SubImage, RowsOfNothingAreDoneAtOnce)
+{
+    const GLint most = std::numeric_limits<GLint>::max();
+    zeros(GL_TEXTURE_3D, UploadRows[5], 4, 4);
+    const uint8_t nothing[1] = {};
+    clearLog();
+    for (GLsizei width : {0, -1}) glTexSubImage3D(GL_TEXTURE_3D, 0, 0, 0, 0, width, most, most, GL_RGB, GL_UNSIGNED_BYTE, nothing);
+    EXPECT_EQ(count("replaceRegion"), 0u);
+    EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
 }
 
 TEST_P(SubImage, LandsAtItsOffsetWhenConvertedAndAtTheOriginWhenNot)

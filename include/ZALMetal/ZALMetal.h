@@ -83,7 +83,8 @@ typedef struct ZALMetalContext ZALMetalContext;
  * or null. State such as bindings and enables is never shared. Both must be on the same device.
  * - outContext: the new context; left alone on failure.
  *
- * Returns 0; 256 when there is no such device, or it is not the share context's (three lines in the log name the two).
+ * Returns 0; 256 when there is no such device, or it is not the share context's (three lines in the log name the two);
+ * 257 without memory.
  * Work recorded for the context that was current is committed first. Call it with all other calls at rest.
  *
  * In C (C++ passes the variable itself for its address):
@@ -102,7 +103,7 @@ ZALMETAL_API int ZALMetalContextInitFromMTLCommandQueue(ZALMETAL_OUT(ZALMetalCon
  * - shareContext: the other context.
  * - outContext: the new context; left alone on failure.
  *
- * Returns 0; 6 when shareContext is null. Work recorded for the context that was current is committed first. The new
+ * Returns 0; 6 when shareContext is null; 257 without memory. Work recorded for the context that was current is committed first. The new
  * context takes the rendering paths for Intel GPUs whatever the device is. Call it with all other calls at rest.
  */
 ZALMETAL_API int ZALMetalContextInitFromShareContext(ZALMETAL_OUT(ZALMetalContext*) outContext,
