@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <limits>
 
 namespace softmetal::texturing {
 namespace {
@@ -250,11 +251,13 @@ Texel anisotropic(Lane lane, const Footprint& f, const SampleCall& call, uint32_
     float along = lengthSquared(f.dx), across = lengthSquared(f.dy);
     const float* major = along >= across ? f.dx : f.dy;
     float longer = std::sqrt(std::max(along, across)), shorter = std::sqrt(std::min(along, across));
-    auto most = static_cast<float>(lane.sampler.maxAnisotropy);
-    float ratio = shorter > 0 ? std::min(longer / shorter, most) : most;
-    auto probes = static_cast<int>(std::ceil(ratio));
-    if (probes <= 1 || !(longer > 0)) return filtered(lane, levelOfDetail(call, at, lane.sampler, &f));
-    float lod = log2Exact(longer / static_cast<float>(probes)) + (call.lodMode == LodMode::Bias ? call.lod.f[at] : 0.0f);
+    float level = std::max(shorter, longer / static_cast<float>(lane.sampler.maxAnisotropy));
+    if (!(longer > 0 && longer < std::numeric_limits<float>::infinity())) return filtered(lane, levelOfDetail(call, at, lane.sampler, &f));
+    // A footprint that is even but for rounding takes one probe: the count must not flicker between neighbouring pixels.
+    constexpr float Even = 1.0f / 64;
+    auto probes = static_cast<int>(std::ceil(longer / level - Even));
+    if (probes <= 1) return filtered(lane, levelOfDetail(call, at, lane.sampler, &f));
+    float lod = log2Exact(level) + (call.lodMode == LodMode::Bias ? call.lod.f[at] : 0.0f);
     lod = std::max(std::min(std::max(lod, call.minLodClamp), lane.sampler.lodMaxClamp), lane.sampler.lodMinClamp);
     bool n = lane.sampler.normalizedCoordinates != 0;
     double step[3] = {major[0] / (n ? lane.texture.width : 1.0), major[1] / (n ? lane.texture.height : 1.0), major[2] / (n ? lane.texture.depth : 1.0)};

@@ -17,7 +17,8 @@
 
 #include <dlfcn.h>
 
-namespace {
+namespace
+{
 
 using scenes::Image;
 
@@ -33,7 +34,8 @@ public:
         library_ = dlopen("libEGL.so.1", RTLD_NOW | RTLD_LOCAL);
         if (!library_) return;
         lookUp_ = reinterpret_cast<void* (*)(const char*)>(dlsym(library_, "eglGetProcAddress"));
-        display_ = egl<PFNEGLGETPLATFORMDISPLAYPROC>("eglGetPlatformDisplay")(EGL_PLATFORM_SURFACELESS_MESA, EGL_DEFAULT_DISPLAY, nullptr);
+        display_ = egl<PFNEGLGETPLATFORMDISPLAYPROC>("eglGetPlatformDisplay")(EGL_PLATFORM_SURFACELESS_MESA,
+                                                                              EGL_DEFAULT_DISPLAY, nullptr);
         if (!egl<PFNEGLINITIALIZEPROC>("eglInitialize")(display_, nullptr, nullptr)) return;
         egl<PFNEGLBINDAPIPROC>("eglBindAPI")(EGL_OPENGL_API);
         makeContext();
@@ -41,14 +43,18 @@ public:
 
     bool works() const { return works_; }
 
-    std::string renderer() const { return reinterpret_cast<const char*>(gl<decltype(&glGetString)>("glGetString")(GL_RENDERER)); }
+    std::string renderer() const
+    {
+        return reinterpret_cast<const char*>(gl<decltype(&glGetString)>("glGetString")(GL_RENDERER));
+    }
 
     /// Fills the surface with one triangle of a colour and gives the pixel in its middle, red in the lowest byte.
     uint32_t drawnColour(float red, float green, float blue) const
     {
         gl<decltype(&glColor3f)>("glColor3f")(red, green, blue);
         gl<decltype(&glBegin)>("glBegin")(GL_TRIANGLES);
-        for (auto [x, y] : {std::pair{-1.f, -1.f}, {3.f, -1.f}, {-1.f, 3.f}}) gl<decltype(&glVertex2f)>("glVertex2f")(x, y);
+        for (auto [x, y] : {std::pair{-1.f, -1.f}, {3.f, -1.f}, {-1.f, 3.f}})
+            gl<decltype(&glVertex2f)>("glVertex2f")(x, y);
         gl<decltype(&glEnd)>("glEnd")();
         uint32_t pixel = 0;
         gl<decltype(&glReadPixels)>("glReadPixels")(Size / 2, Size / 2, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, &pixel);
@@ -56,18 +62,28 @@ public:
     }
 
 private:
-    template <typename Function> Function egl(const char* name) const { return reinterpret_cast<Function>(dlsym(library_, name)); }
-    template <typename Function> Function gl(const char* name) const { return reinterpret_cast<Function>(lookUp_(name)); }
+    template <typename Function>
+    Function egl(const char* name) const
+    {
+        return reinterpret_cast<Function>(dlsym(library_, name));
+    }
+    template <typename Function>
+    Function gl(const char* name) const
+    {
+        return reinterpret_cast<Function>(lookUp_(name));
+    }
 
     void makeContext()
     {
-        const EGLint wanted[] = {EGL_SURFACE_TYPE, EGL_PBUFFER_BIT, EGL_RENDERABLE_TYPE, EGL_OPENGL_BIT, EGL_RED_SIZE, 8, EGL_NONE};
+        const EGLint wanted[] = {
+            EGL_SURFACE_TYPE, EGL_PBUFFER_BIT, EGL_RENDERABLE_TYPE, EGL_OPENGL_BIT, EGL_RED_SIZE, 8, EGL_NONE};
         const EGLint size[] = {EGL_WIDTH, Size, EGL_HEIGHT, Size, EGL_NONE};
         EGLConfig config = nullptr;
         EGLint count = 0;
         if (!egl<PFNEGLCHOOSECONFIGPROC>("eglChooseConfig")(display_, wanted, &config, 1, &count) || count != 1) return;
         EGLSurface surface = egl<PFNEGLCREATEPBUFFERSURFACEPROC>("eglCreatePbufferSurface")(display_, config, size);
-        EGLContext context = egl<PFNEGLCREATECONTEXTPROC>("eglCreateContext")(display_, config, EGL_NO_CONTEXT, nullptr);
+        EGLContext context =
+            egl<PFNEGLCREATECONTEXTPROC>("eglCreateContext")(display_, config, EGL_NO_CONTEXT, nullptr);
         works_ = egl<PFNEGLMAKECURRENTPROC>("eglMakeCurrent")(display_, surface, surface, context);
     }
 
@@ -103,7 +119,8 @@ protected:
     static bool hasManyColours(const Image& image)
     {
         int changes = 0;
-        for (size_t i = 4; i < image.pixels.size(); i += 4) changes += image.pixels[i] != image.pixels[i - 4];
+        for (size_t i = 4; i < image.pixels.size(); i += 4)
+            changes += image.pixels[i] != image.pixels[i - 4];
         return changes > Size;
     }
 

@@ -8,7 +8,8 @@
 #include <cstdlib>
 #include <filesystem>
 
-namespace {
+namespace
+{
 
 namespace fs = std::filesystem;
 using scenes::Image;
@@ -25,8 +26,9 @@ protected:
         fs::path folder = fs::path(ZAL_BINARY_DIR) / "differential";
         fs::create_directories(folder);
         std::string path = (folder / file).string(), error;
-        std::string command = std::string(ZAL_BIN_DIR "/") + program + " " ZAL_SOURCE_DIR "/Examples/models/teapot.obj " + path +
-                              " " + arguments + " > " + path + ".log 2>&1";
+        std::string command = std::string(ZAL_BIN_DIR "/") + program +
+                              " " ZAL_SOURCE_DIR "/Examples/models/teapot.obj " + path + " " + arguments + " > " +
+                              path + ".log 2>&1";
         EXPECT_EQ(std::system(command.c_str()), 0) << "see " << path << ".log";
         Image image;
         EXPECT_TRUE(readPng(path, image, error)) << error;
@@ -55,15 +57,16 @@ protected:
         int stray = 0;
         for (int y = 0; y < ours.height; ++y)
             for (int x = 0; x < ours.width; ++x)
-                stray += distance(ours.at(x, y), theirs.at(x, y)) > Tolerance && contrast(ours, x, y) <= 4 * Tolerance &&
-                         contrast(theirs, x, y) <= 4 * Tolerance;
+                stray += distance(ours.at(x, y), theirs.at(x, y)) > Tolerance &&
+                         contrast(ours, x, y) <= 4 * Tolerance && contrast(theirs, x, y) <= 4 * Tolerance;
         EXPECT_EQ(stray, 0) << "pixels that differ in the middle of a surface";
     }
 
     static int distance(const uint8_t* a, const uint8_t* b)
     {
         int worst = 0;
-        for (int i = 0; i < 4; ++i) worst = std::max(worst, std::abs(a[i] - b[i]));
+        for (int i = 0; i < 4; ++i)
+            worst = std::max(worst, std::abs(a[i] - b[i]));
         return worst;
     }
 
@@ -77,8 +80,14 @@ protected:
     }
 };
 
-TEST_F(DemoFrame, AgreesWithMesa) { expectAgreement("1280 720", "demo"); }
+TEST_F(DemoFrame, AgreesWithMesa)
+{
+    expectAgreement("1280 720", "demo");
+}
 
-TEST_F(DemoFrame, AgreesWithMesaAtAnOddSizeFromBehind) { expectAgreement("333 517 3.3", "demo-odd"); }
+TEST_F(DemoFrame, AgreesWithMesaAtAnOddSizeFromBehind)
+{
+    expectAgreement("333 517 3.3", "demo-odd");
+}
 
 } // namespace
