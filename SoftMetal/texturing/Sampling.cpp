@@ -386,6 +386,9 @@ void sampleCompare(const Texture* texture, const Sampler* sampler, SampleCall* c
     }
 }
 
+/// In place of a component: the result of a comparison, whose reference is where the level stands otherwise.
+constexpr uint32_t Compared = 4;
+
 void gather(const Texture* texture, const Sampler* sampler, SampleCall* call, uint32_t component)
 {
     if (nothingThere(texture, sampler)) return zeros(*call);
@@ -396,7 +399,11 @@ void gather(const Texture* texture, const Sampler* sampler, SampleCall* call, ui
         const TextureLevel& image = texture->levels[0];
         bool n = sampler->normalizedCoordinates != 0;
         Axis x = axis(scaled(lane.s, image.width, n), lane.offset[0]), y = axis(scaled(lane.t, image.height, n), lane.offset[1]);
-        auto pick = [&](int64_t u, int64_t v) { return texel(lane, image, u, v, 0).c[component & 3]; };
+        auto pick = [&](int64_t u, int64_t v) {
+            Texel there = texel(lane, image, u, v, 0);
+            if (component != Compared) return there.c[component & 3];
+            return passes(sampler->compareFunction, call->lod.f[i], there.c[0]) ? 1.0f : 0.0f;
+        };
         setResult(*call, i, Texel{{pick(x.first, y.first + 1), pick(x.first + 1, y.first + 1), pick(x.first + 1, y.first), pick(x.first, y.first)}});
     }
 }
@@ -442,6 +449,7 @@ abi::RuntimeTable runtimeTable()
     table.sampleCompare = sampleCompare;
     table.gather = gather;
     table.read = read;
+    table.write = write;
     return table;
 }
 
