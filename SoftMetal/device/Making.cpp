@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // What a device makes.
+#include "execution/Atomics.h"
 #include "execution/Limits.h"
 #include "execution/QueueThread.h"
 #include "foundation/Strings.h"
@@ -42,6 +43,7 @@ shader::Compiler* compiler(std::string& error)
         abi::RuntimeTable table = texturing::runtimeTable();
         table.loopLimitReached = noteShaderLimit;
         table.outside = inspect::noteOutsideBuffers;
+        table.atomic = runAtomics;
         texturing::setOutsideTexelHandler(inspect::noteOutsideTexture);
         return table;
     }();

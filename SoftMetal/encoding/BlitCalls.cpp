@@ -259,8 +259,18 @@ void MTL::BlitCommandEncoder::synchronizeTexture(const Texture* texture, NS::UIn
 }
 
 // Passes run one after the other, so that a fence has nothing to wait for.
-void MTL::BlitCommandEncoder::updateFence(const Fence* fence) { require(fence != nullptr, Rule::EncoderNilFence, "updateFence", *cast<BlitEncoderObject>(this)); }
-void MTL::BlitCommandEncoder::waitForFence(const Fence* fence) { require(fence != nullptr, Rule::EncoderNilFence, "waitForFence", *cast<BlitEncoderObject>(this)); }
+void MTL::BlitCommandEncoder::updateFence(const Fence* fence)
+{
+    note(this, "updateFence", arg("fence", pointer(fence)));
+    if (auto* e = opened(this, "updateFence")) require(fence != nullptr, Rule::EncoderNilFence, "updateFence", *e);
+}
+
+void MTL::BlitCommandEncoder::waitForFence(const Fence* fence)
+{
+    note(this, "waitForFence", arg("fence", pointer(fence)));
+    if (auto* e = opened(this, "waitForFence")) require(fence != nullptr, Rule::EncoderNilFence, "waitForFence", *e);
+}
+
 void MTL::BlitCommandEncoder::optimizeContentsForGPUAccess(const Texture*) {}
 void MTL::BlitCommandEncoder::optimizeContentsForGPUAccess(const Texture*, NS::UInteger, NS::UInteger) {}
 void MTL::BlitCommandEncoder::optimizeContentsForCPUAccess(const Texture*) {}

@@ -192,8 +192,17 @@ void MTL::RenderCommandEncoder::useResource(const Resource* resource, ResourceUs
 void MTL::RenderCommandEncoder::useResources(const Resource* const resources[], NS::UInteger count, ResourceUsage usage, RenderStages) { useResources(resources, count, usage); }
 
 // Passes run one after the other, so that a fence has nothing to wait for.
-void MTL::RenderCommandEncoder::updateFence(const Fence* fence, RenderStages) { require(fence != nullptr, Rule::EncoderNilFence, "updateFence", *cast<RenderEncoderObject>(this)); }
-void MTL::RenderCommandEncoder::waitForFence(const Fence* fence, RenderStages) { require(fence != nullptr, Rule::EncoderNilFence, "waitForFence", *cast<RenderEncoderObject>(this)); }
+void MTL::RenderCommandEncoder::updateFence(const Fence* fence, RenderStages stages)
+{
+    note(this, "updateFence", arg("fence", static_cast<const void*>(fence)), arg("stages", stages));
+    if (auto* e = opened(this, "updateFence")) require(fence != nullptr, Rule::EncoderNilFence, "updateFence", *e);
+}
+
+void MTL::RenderCommandEncoder::waitForFence(const Fence* fence, RenderStages stages)
+{
+    note(this, "waitForFence", arg("fence", static_cast<const void*>(fence)), arg("stages", stages));
+    if (auto* e = opened(this, "waitForFence")) require(fence != nullptr, Rule::EncoderNilFence, "waitForFence", *e);
+}
 
 // ---- draws -------------------------------------------------------------------------------------------------------------------
 

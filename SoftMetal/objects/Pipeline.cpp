@@ -110,6 +110,7 @@ void takeFragment(raster::Pipeline& pipeline, const FunctionReflection& fragment
             refuse(why, "output " + std::to_string(i) + " of function '" + fragment.name + "' is of another kind of number than pixel format " + format->name);
     }
     pipeline.writesDepth = fragment.writesDepth;
+    pipeline.writesCoverage = fragment.writesCoverage;
     pipeline.discards = fragment.discards;
     pipeline.usesPointCoord = fragment.usesPointCoord;
     pipeline.earlyTests = fragment.earlyFragmentTests;
@@ -141,6 +142,8 @@ RenderPipelineStateObject* RenderPipelineStateObject::make(DeviceObject* owner, 
     if (vertex.inputComponents > abi::MaxVertexOutputComponents) refuse(why, "the vertex function has too many outputs");
     pipeline.outputComponents = vertex.inputComponents;
     pipeline.pointSizeComponent = vertex.pointSizeComponent;
+    pipeline.clipComponent = vertex.clipComponent;
+    pipeline.clipDistances = vertex.clipDistances;
     takeVertexDescriptor(pipeline, vertex, d.vertexDescriptor.get(), why);
     takeAttachments(pipeline, d, why);
     if (why.empty() && result->fragmentFunction) {

@@ -66,11 +66,12 @@ struct Pipeline
     VertexLayout layouts[abi::MaxBuffers];
     uint32_t outputComponents = 4;              // of the vertex function, position included
     int32_t pointSizeComponent = -1;
+    uint32_t clipComponent = 0, clipDistances = 0; // output components: what lies where one is below zero is cut away
     std::vector<uint32_t> inputMap;             // fragment plane i is made from this vertex output component
     std::vector<uint8_t> inputInterpolation;    // per plane: 0 perspective, 1 linear, 2 flat
     uint32_t colorOutputs = 0;                  // bit n: the fragment function writes colour n
     uint8_t colorTypes[abi::MaxColorOutputs] = {}; // 0 float, 1 signed, 2 unsigned
-    bool writesDepth = false, discards = false, usesPointCoord = false, earlyTests = false;
+    bool writesDepth = false, writesCoverage = false, discards = false, usesPointCoord = false, earlyTests = false;
     uint32_t colorFormats[abi::MaxColorOutputs] = {}; // MTL::PixelFormat
     BlendState blend[abi::MaxColorOutputs];
     bool alphaToCoverage = false, alphaToOne = false, rasterizationEnabled = true;

@@ -13,6 +13,7 @@ namespace {
 enum Primitive : uint8_t { Point = 0, Line = 1, LineStrip = 2, TriangleList = 3, TriangleStrip = 4 };
 constexpr uint8_t CullNone = 0, CullFront = 1, FillLines = 1, ClockwiseFront = 0, ClipDepth = 0;
 constexpr uint8_t Perspective = 0, Flat = 2;
+constexpr int FixedPlanes = 7; // the eye, near, far and the four sides; a program's own follow
 constexpr double GuardBand = 16384; // pixels around the render area's origin that fixed point can hold
 constexpr uint32_t Depth16 = 250, Depth24Stencil8 = 255;
 
@@ -30,7 +31,8 @@ class SetUp
 {
 public:
     SetUp(uint32_t width, uint32_t height, uint32_t depthFormat, Draw& draw)
-        : draw_(draw), state_(draw.state), pipeline_(*draw.state.pipeline), depthFormat_(depthFormat)
+        : draw_(draw), state_(draw.state), pipeline_(*draw.state.pipeline), depthFormat_(depthFormat),
+          planes_(FixedPlanes + static_cast<int>(draw.state.pipeline->clipDistances))
     {
         minX_ = static_cast<int32_t>(std::min(state_.scissor[0], width));
         minY_ = static_cast<int32_t>(std::min(state_.scissor[1], height));
@@ -87,7 +89,8 @@ private:
         case 3: return w * reachX_ + v[0];
         case 4: return w * reachX_ - v[0];
         case 5: return w * reachY_ + v[1];
-        default: return w * reachY_ - v[1];
+        case 6: return w * reachY_ - v[1];
+        default: return v[pipeline_.clipComponent + static_cast<uint32_t>(plane - FixedPlanes)];
         }
     }
 
@@ -96,7 +99,7 @@ private:
     /// Cuts a polygon (or a line) by every plane that one of its corners is behind.
     void clip(std::vector<Vertex>& polygon, bool closed) const
     {
-        for (int plane = 0; plane < 7 && !polygon.empty(); ++plane) {
+        for (int plane = 0; plane < planes_ && !polygon.empty(); ++plane) {
             if (!used(plane) || std::all_of(polygon.begin(), polygon.end(), [&](const Vertex& v) { return distance(v.data(), plane) >= 0; })) continue;
             std::vector<Vertex> kept;
             for (size_t i = 0; i < polygon.size(); ++i) {
@@ -123,7 +126,7 @@ private:
 
     bool inside(const float* v) const
     {
-        for (int plane = 0; plane < 7; ++plane)
+        for (int plane = 0; plane < planes_; ++plane)
             if (used(plane) && !(distance(v, plane) >= 0)) return false;
         return true;
     }
@@ -165,7 +168,7 @@ private:
         const float *a = shaded_->at(i), *b = shaded_->at(j), *c = shaded_->at(k);
         uint32_t id = primitiveId_++;
         if (!finite(a) || !finite(b) || !finite(c)) return;
-        for (int plane = 0; plane < 7; ++plane)
+        for (int plane = 0; plane < planes_; ++plane)
             if (used(plane) && distance(a, plane) < 0 && distance(b, plane) < 0 && distance(c, plane) < 0) return;
         provoking_ = a;
         if (inside(a) && inside(b) && inside(c)) return face(project(a), project(b), project(c), id);
@@ -330,6 +333,7 @@ private:
     const DrawState& state_;
     const Pipeline& pipeline_;
     uint32_t depthFormat_;
+    int planes_; // that clip
     int32_t minX_, minY_, maxX_, maxY_;
     double reachX_ = 1, reachY_ = 1;
     const ShadedVertices* shaded_ = nullptr;

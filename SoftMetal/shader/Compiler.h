@@ -70,10 +70,12 @@ struct FunctionReflection
     std::vector<ConstantReflection> constants;
     bool hasPosition = false;
     int32_t pointSizeComponent = -1; // vertex: index into VertexOutput::component
+    uint32_t clipComponent = 0, clipDistances = 0; // vertex: the first of them, and how many there are
     uint32_t colorOutputs = 0;       // bit n: [[color(n)]] is written
     ScalarType colorTypes[abi::MaxColorOutputs] = {};
     uint32_t colorComponents[abi::MaxColorOutputs] = {};
     bool writesDepth = false;
+    bool writesCoverage = false; // [[sample_mask]]
     bool discards = false;
     bool usesPointCoord = false;
     bool earlyFragmentTests = false;

@@ -48,10 +48,14 @@ inline constexpr std::string_view Dfdy = "softmetal_dfdy";                      
 inline constexpr std::string_view Sample = "softmetal_sample";
 // as Sample with a float compare value appended; result in component 0
 inline constexpr std::string_view SampleCompare = "softmetal_sample_compare";
-// as Sample with a constant i32 component appended
+// as Sample with a constant i32 component appended; 4: whether lod compares with red, by the sampler's function
 inline constexpr std::string_view Gather = "softmetal_gather";
 // <4 x float> (ptr texture, i32 x, i32 y, i32 z, i32 layer, i32 level)
 inline constexpr std::string_view Read = "softmetal_read";
+// void (ptr texture, i32 x, i32 y, i32 z, i32 layer, i32 level, float r, g, b, a)
+inline constexpr std::string_view Write = "softmetal_write";
+// i32 (ptr, i32 operation, i32 operand, i32 expected): what was there; the operation is a constant abi::AtomicOperation
+inline constexpr std::string_view Atomic = "softmetal_atomic";
 // i32 (ptr texture, i32 what, i32 level)  U: 0 width, 1 height, 2 depth, 3 array size, 4 mip levels, 5 samples
 inline constexpr std::string_view TextureSize = "softmetal_texture_size";
 

@@ -12,7 +12,7 @@
 
 namespace softmetal::abi {
 
-inline constexpr uint32_t Version = 2; // raised whenever a layout below changes
+inline constexpr uint32_t Version = 3; // raised whenever a layout below changes
 
 inline constexpr uint32_t MaxLanes = 16;
 inline constexpr uint32_t MaxBuffers = 31;
@@ -22,6 +22,7 @@ inline constexpr uint32_t MaxVertexAttributes = 31;
 inline constexpr uint32_t MaxColorOutputs = 8;
 inline constexpr uint32_t MaxVertexOutputComponents = 128; // position included
 inline constexpr uint32_t MaxLevels = 15;
+inline constexpr uint32_t MaxClipDistances = 8;
 
 /// One value per lane, as raw 32-bit words: float, int and uint alike; half is widened to float, bool is 0 or 1.
 union Lanes
@@ -103,6 +104,32 @@ struct ReadCall
     Lanes coordinate[3]; // unsigned
     Lanes layer, level;  // unsigned
     Lanes result[4];
+};
+
+/// One texel written by integer coordinates (texture.write). Out of range nothing happens.
+struct WriteCall
+{
+    uint32_t mask;
+    uint32_t reserved;
+    Lanes coordinate[3]; // unsigned
+    Lanes layer, level;  // unsigned
+    Lanes value[4];      // as ReadCall's results
+};
+
+enum class AtomicOperation : uint32_t
+{
+    Load, Exchange, Add, Subtract, And, Or, Xor, SignedMin, SignedMax, UnsignedMin, UnsignedMax, CompareExchange,
+};
+inline constexpr uint32_t AtomicOperations = 12;
+
+/// One operation on a 32-bit number in a buffer for each lane of the mask, lane after lane. Addresses were checked.
+struct AtomicCall
+{
+    uint32_t mask;
+    AtomicOperation operation;
+    uint64_t address[MaxLanes];
+    Lanes operand, expected;
+    Lanes before; // what was there
 };
 
 /// Everything a stage has bound, by Metal's indices. Null where nothing is bound.
@@ -191,6 +218,8 @@ struct RuntimeTable
     void (*loopLimitReached)(); // a shader ran past the iteration limit
     /// A shader read or wrote outside the buffers whose bits are set (OutsideTable: a table of its own), once for a batch.
     void (*outside)(uint64_t buffers, uint32_t stage); // 0 vertex, 1 fragment
+    void (*write)(const Texture*, const WriteCall*);
+    void (*atomic)(AtomicCall*);
 };
 
 } // namespace softmetal::abi

@@ -2,6 +2,7 @@
 // Sampling lane by lane: coordinates to a level of detail, to texels and weights, to a colour.
 #include "texturing/Sampling.h"
 
+#include "texturing/Cube.h"
 #include "texturing/SamplingKernel.h"
 #include "texturing/Texels.h"
 #include "vectors/InstructionSet.h"
@@ -67,8 +68,37 @@ struct Lane
     const Texel* border;
 };
 
+Texel faceTexel(const Lane& lane, const TextureLevel& level, int64_t x, int64_t y, uint32_t slice)
+{
+    return texelAt(lane.texture, level, static_cast<uint32_t>(x), static_cast<uint32_t>(y), 0, slice);
+}
+
+/// One step beyond an edge of a cube's face lies the neighbouring face's outermost texel.
+Texel beyondEdge(const Lane& lane, const TextureLevel& level, int64_t x, int64_t y)
+{
+    auto size = static_cast<int64_t>(level.width);
+    float scale = 1.0f / static_cast<float>(size);
+    auto [dx, dy, dz] = directionOf({lane.slice % 6, (static_cast<float>(x) + 0.5f) * scale, (static_cast<float>(y) + 0.5f) * scale});
+    FacePosition there = faceOf(dx, dy, dz);
+    auto place = [&](float along) { return std::clamp(static_cast<int64_t>(along * static_cast<float>(size)), int64_t{0}, size - 1); };
+    return faceTexel(lane, level, place(there.s), place(there.t), lane.slice - lane.slice % 6 + there.face);
+}
+
+/// Faces meet without a seam, whatever the address modes. Beyond a corner there is no texel: the mean of the three around it.
+Texel cubeTexel(const Lane& lane, const TextureLevel& level, int64_t x, int64_t y)
+{
+    int64_t last = static_cast<int64_t>(level.width) - 1, nearX = std::clamp<int64_t>(x, 0, last), nearY = std::clamp<int64_t>(y, 0, last);
+    if (x == nearX && y == nearY) return faceTexel(lane, level, x, y, lane.slice);
+    if (x == nearX || y == nearY) return beyondEdge(lane, level, x, y);
+    Texel result = faceTexel(lane, level, nearX, nearY, lane.slice);
+    const Texel beside[] = {beyondEdge(lane, level, x, nearY), beyondEdge(lane, level, nearX, y)};
+    for (int c = 0; c < 4; ++c) result.c[c] = (result.c[c] + beside[0].c[c] + beside[1].c[c]) / 3;
+    return result;
+}
+
 Texel texel(const Lane& lane, const TextureLevel& level, int64_t x, int64_t y, int64_t z)
 {
+    if (lane.access.cube) return cubeTexel(lane, level, x, y);
     x = wrap(x, level.width, lane.sampler.sAddress);
     y = lane.access.dimensions > 1 ? wrap(y, level.height, lane.sampler.tAddress) : 0;
     z = lane.access.dimensions > 2 ? wrap(z, level.depth, lane.sampler.rAddress) : 0;
@@ -85,6 +115,7 @@ Texel nearest(const Lane& lane, const TextureLevel& level)
     auto x = static_cast<int64_t>(std::floor(scaled(lane.s, level.width, n))) + lane.offset[0];
     auto y = static_cast<int64_t>(std::floor(scaled(lane.t, level.height, n))) + lane.offset[1];
     auto z = static_cast<int64_t>(std::floor(scaled(lane.r, level.depth, n))) + lane.offset[2];
+    if (lane.access.cube) return texel(lane, level, std::min<int64_t>(x, level.width - 1), std::min<int64_t>(y, level.height - 1), 0);
     return texel(lane, level, x, y, z);
 }
 
@@ -173,38 +204,6 @@ void scaleToTexels(const Texture& texture, const Access& access, bool normalized
         v[i] = i < access.dimensions ? v[i] * size : 0.0f;
         ++i;
     }
-}
-
-/// Cube coordinates as a face and a position on it.
-struct FacePosition
-{
-    uint32_t face;
-    float s, t;
-};
-
-FacePosition faceOf(float x, float y, float z)
-{
-    float ax = std::fabs(x), ay = std::fabs(y), az = std::fabs(z);
-    uint32_t face;
-    float major, u, v;
-    if (ax >= ay && ax >= az) {
-        face = x < 0 ? 1 : 0;
-        major = ax;
-        u = x < 0 ? z : -z;
-        v = -y;
-    } else if (ay >= az) {
-        face = y < 0 ? 3 : 2;
-        major = ay;
-        u = x;
-        v = y < 0 ? -z : z;
-    } else {
-        face = z < 0 ? 5 : 4;
-        major = az;
-        u = z < 0 ? -x : x;
-        v = -y;
-    }
-    float scale = major > 0 ? 0.5f / major : 0.0f;
-    return {face, u * scale + 0.5f, v * scale + 0.5f};
 }
 
 /// Differences between the lanes of a quad.
@@ -314,14 +313,6 @@ bool fitsOffsets(const Texture& texture)
     return first.planePitch * std::max(first.depth, 1u) <= 0x7FFFFFFF;
 }
 
-/// Cube faces meet without a seam only when the edge texels are clamped on each face.
-Sampler cubeSampler(const Sampler& sampler)
-{
-    Sampler result = sampler;
-    result.sAddress = result.tAddress = ClampToEdge;
-    return result;
-}
-
 /// Takes the call when it is of a kind that all lanes can do at once.
 bool sampledAtOnce(const Texture& texture, const Access& access, const Sampler& sampler, const Texel& border, bool needsLod, bool quads, SampleCall& call)
 {
@@ -339,7 +330,7 @@ void sample(const Texture* texture, const Sampler* given, SampleCall* call)
 {
     if (nothingThere(texture, given)) return zeros(*call);
     const auto& access = *static_cast<const Access*>(texture->sampling);
-    Sampler sampler = access.cube ? cubeSampler(*given) : *given;
+    const Sampler& sampler = *given;
     Texel border = borderColor(*texture, sampler, sampler.sAddress == ClampToZero);
     bool quads = call->lodMode == LodMode::Gradient || (call->stage == 1 && call->lodMode != LodMode::Level);
     bool needsLod = sampler.mipFilter != MipNone || sampler.minFilter != sampler.magFilter || sampler.maxAnisotropy > 1;
@@ -398,6 +389,9 @@ void sampleCompare(const Texture* texture, const Sampler* sampler, SampleCall* c
     }
 }
 
+/// In place of a component: the result of a comparison, whose reference is where the level stands otherwise.
+constexpr uint32_t Compared = 4;
+
 void gather(const Texture* texture, const Sampler* sampler, SampleCall* call, uint32_t component)
 {
     if (nothingThere(texture, sampler)) return zeros(*call);
@@ -408,7 +402,11 @@ void gather(const Texture* texture, const Sampler* sampler, SampleCall* call, ui
         const TextureLevel& image = texture->levels[0];
         bool n = sampler->normalizedCoordinates != 0;
         Axis x = axis(scaled(lane.s, image.width, n), lane.offset[0]), y = axis(scaled(lane.t, image.height, n), lane.offset[1]);
-        auto pick = [&](int64_t u, int64_t v) { return texel(lane, image, u, v, 0).c[component & 3]; };
+        auto pick = [&](int64_t u, int64_t v) {
+            Texel there = texel(lane, image, u, v, 0);
+            if (component != Compared) return there.c[component & 3];
+            return passes(sampler->compareFunction, call->lod.f[i], there.c[0]) ? 1.0f : 0.0f;
+        };
         setResult(*call, i, Texel{{pick(x.first, y.first + 1), pick(x.first + 1, y.first + 1), pick(x.first + 1, y.first), pick(x.first, y.first)}});
     }
 }
@@ -454,6 +452,7 @@ abi::RuntimeTable runtimeTable()
     table.sampleCompare = sampleCompare;
     table.gather = gather;
     table.read = read;
+    table.write = write;
     return table;
 }
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "window/Layer.h"
 
-#include "formats/PixelFormat.h"
+#include "window/Pictures.h"
 
 #include <chrono>
 
@@ -18,23 +18,6 @@ constexpr uint64_t MostDrawables = 3;
 constexpr auto LongestWait = std::chrono::seconds(1);
 
 double now() { return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count(); }
-
-/// All pixels of level 0, as RGBA8Unorm.
-std::vector<uint8_t> pixelsOf(const abi::Texture& view)
-{
-    const auto &format = *formats::pixelFormatInfo(view.format), &rgba8 = *formats::pixelFormatInfo(MTL::PixelFormatRGBA8Unorm);
-    std::vector<uint8_t> pixels(size_t{4} * view.width * view.height);
-    uint8_t* to = pixels.data();
-    for (uint32_t y = 0; y < view.height; ++y) {
-        const uint8_t* row = view.levels[0].data + static_cast<size_t>(y) * view.levels[0].rowPitch;
-        for (uint32_t x = 0; x < view.width; ++x, to += 4) {
-            float rgba[4];
-            formats::unpack(format, row + static_cast<size_t>(x) * format.bytes, rgba);
-            formats::pack(rgba8, rgba, to);
-        }
-    }
-    return pixels;
-}
 
 } // namespace
 
@@ -148,12 +131,24 @@ void LayerObject::giveBack(const Ref<TextureObject>& texture)
 
 void LayerObject::show(const Ref<TextureObject>& texture)
 {
+    std::shared_ptr<Screen> screen;
+    {
+        std::lock_guard lock(mutex_);
+        ++presents_;
+        screen = screen_;
+        if (texture.get() != shown_.get()) {
+            if (shown_ && shownIsReturned_) free_.push_back(shown_);
+            shown_ = texture;
+            shownIsReturned_ = false;
+        }
+    }
+    if (screen) screen->show(texture->view);
+}
+
+void LayerObject::screenIs(std::shared_ptr<Screen> screen)
+{
     std::lock_guard lock(mutex_);
-    ++presents_;
-    if (texture.get() == shown_.get()) return;
-    if (shown_ && shownIsReturned_) free_.push_back(shown_);
-    shown_ = texture;
-    shownIsReturned_ = false;
+    screen_ = std::move(screen);
 }
 
 SoftMetal::Presented LayerObject::presented()
@@ -164,7 +159,8 @@ SoftMetal::Presented LayerObject::presented()
     if (!shown_) return result;
     result.width = shown_->view.width;
     result.height = shown_->view.height;
-    result.rgba = pixelsOf(shown_->view);
+    result.rgba.resize(size_t{4} * result.width * result.height);
+    copyPixels(shown_->view, MTL::PixelFormatRGBA8Unorm, result.rgba.data(), size_t{4} * result.width);
     return result;
 }
 
@@ -223,38 +219,3 @@ void MTL::Drawable::presentAfterMinimumDuration(CFTimeInterval) { present(); }
 CFTimeInterval MTL::Drawable::presentedTime() const { return cast<DrawableObject>(this)->presentedTime(); }
 NS::UInteger MTL::Drawable::drawableID() const { return cast<DrawableObject>(this)->id; }
 void MTL::Drawable::addPresentedHandler(const DrawablePresentedHandlerFunction& function) { cast<DrawableObject>(this)->addHandler(function); }
-
-void NSView::setWantsLayer(bool wantsLayer) { cast<ViewObject>(this)->wantsLayer = wantsLayer; }
-
-void NSView::setLayer(CA::MetalLayer* layer)
-{
-    auto& view = *cast<ViewObject>(this);
-    view.layer = Ref<LayerObject>(cast<LayerObject>(layer));
-    if (view.layer) view.layer->viewSizeIs(view.size);
-}
-
-CGRect NSView::bounds() const { return CGRect{{0, 0}, cast<ViewObject>(this)->size}; }
-void NSView::setPostsFrameChangedNotifications(bool posts) { cast<ViewObject>(this)->postsFrameChanges = posts; }
-
-namespace SoftMetal {
-
-NSView* newView(double width, double height)
-{
-    auto* view = new ViewObject;
-    view->size = {width, height};
-    return api(view);
-}
-
-void setViewSize(NSView* view, double width, double height)
-{
-    auto& object = *cast<ViewObject>(view);
-    object.size = {width, height};
-    if (object.postsFrameChanges)
-        CFNotificationCenterPostNotification(CFNotificationCenterGetLocalCenter(), NSViewFrameDidChangeNotification, view, nullptr, true);
-    if (object.layer) object.layer->viewSizeIs(object.size); // layers follow at layout, after the observers were told
-}
-
-CA::MetalLayer* layerOf(NSView* view) { return api(cast<ViewObject>(view)->layer.get()); }
-Presented presented(CA::MetalLayer* layer) { return layer ? cast<LayerObject>(layer)->presented() : Presented(); }
-
-} // namespace SoftMetal

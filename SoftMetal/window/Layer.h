@@ -1,14 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
-// Views, layers and drawables in memory.
+// Views, layers and drawables: in memory, and on a screen where the view has one.
 #pragma once
 
 #include "encoding/Records.h"
+#include "window/Screen.h"
 
 #include <AppKit/AppKit.hpp>
 #include <QuartzCore/QuartzCore.hpp>
 #include <SoftMetal/SoftMetal.hpp>
 
 #include <condition_variable>
+#include <memory>
 #include <mutex>
 
 namespace softmetal {
@@ -60,6 +62,7 @@ public:
         function(properties_);
     }
     void viewSizeIs(CGSize size);
+    void screenIs(std::shared_ptr<Screen> screen); // null for none
 
     /// Null when there is no device, the size is empty, or all textures stay in use for a second.
     DrawableObject* next();
@@ -78,15 +81,23 @@ private:
     uint64_t inUse_ = 0, serial_ = 0, presents_ = 0;
     Ref<TextureObject> shown_; // presented last
     bool shownIsReturned_ = false;
+    std::shared_ptr<Screen> screen_;
 };
+
+class XWindow;
 
 class ViewObject final : public ObjectOf<NSView>
 {
 public:
+    ~ViewObject() override;
     const char* className() const override { return "NSView"; }
+    void carry(LayerObject* newLayer);
+    void sizeIs(CGSize newSize);
+
     CGSize size{0, 0};
     bool wantsLayer = false, postsFrameChanges = false;
     Ref<LayerObject> layer;
+    std::shared_ptr<XWindow> window; // null: in memory only
 };
 
 } // namespace softmetal

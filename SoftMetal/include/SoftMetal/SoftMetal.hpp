@@ -151,6 +151,63 @@ struct Presented
 /// What was presented in a layer. A frame counts once its command buffer has run: wait for that first.
 SOFTMETAL_API Presented presented(CA::MetalLayer* layer);
 
+// ---- windows --------------------------------------------------------------------------------------------------------------
+//
+//     NSView* view = SoftMetal::newWindow("Teapot", 1280, 720);
+//     … a layer, as for any view; what is presented in it appears in the window …
+//     for (const SoftMetal::WindowEvent& event : SoftMetal::pollEvents(view, 16))
+//         if (event.kind == SoftMetal::EventKind::Closed) return;
+
+/// A view in a window of its own on the X server that DISPLAY names; the caller owns it, and the window goes with it. The
+/// client libraries (libxcb, and libxcb-shm where the server shares this machine's memory) are opened at run time. Null, and
+/// a line to the log that says why, when they or the server are missing. setViewSize resizes the window.
+SOFTMETAL_API NSView* newWindow(const std::string& title, uint32_t width, uint32_t height);
+
+enum class EventKind
+{
+    MouseDown,
+    MouseUp,
+    MouseMoved,
+    Scrolled,
+    KeyDown, // again and again while the key is held
+    KeyUp,
+    Resized, // the view has its new size, and its observers were told
+    Closed,  // the user wants to close the window, or the server is gone; the window stays until it is released
+};
+
+/// Keys without a character, numbered as AppKit numbers them.
+enum Key : uint32_t
+{
+    KeyBackspace = 0x08,
+    KeyTab = 0x09,
+    KeyReturn = 0x0D,
+    KeyEscape = 0x1B,
+    KeyDelete = 0x7F,
+    KeyUp = 0xF700,
+    KeyDown = 0xF701,
+    KeyLeft = 0xF702,
+    KeyRight = 0xF703,
+    KeyHome = 0xF729,
+    KeyEnd = 0xF72B,
+    KeyPageUp = 0xF72C,
+    KeyPageDown = 0xF72D,
+};
+
+struct WindowEvent
+{
+    EventKind kind = EventKind::MouseMoved;
+    double x = 0, y = 0;           // mouse and keys: where the mouse is, in pixels from the upper left
+    double deltaX = 0, deltaY = 0; // Scrolled: steps to the right and upwards
+    double width = 0, height = 0;  // Resized
+    uint32_t button = 0;           // MouseDown, MouseUp: 1 left, 2 middle, 3 right
+    uint32_t key = 0;              // KeyDown, KeyUp: a Key, or the character (Unicode) with Shift as it was held
+};
+
+/// What the user of a window did since the last call, the oldest first, after waiting at most so long for something to
+/// happen. Resizes the view and shows the last frame again where that is needed, so call it regularly, from one thread at
+/// a time. Nothing for a view that is in no window.
+SOFTMETAL_API std::vector<WindowEvent> pollEvents(NSView* window, double milliseconds = 0);
+
 // ---- capture ----------------------------------------------------------------------------------------------------------------
 
 /// Whether MTL::CaptureManager writes trace documents: folders with "trace.json" (every call made while it captured, the

@@ -44,6 +44,8 @@ constexpr std::array Rows = {
     Row{"front_facing", Takes::Nothing},
     Row{"point_coord", Takes::Nothing},
     Row{"primitive_id", Takes::Nothing},
+    Row{"sample_id", Takes::Nothing},
+    Row{"clip_distance", Takes::Nothing},
     Row{"flat", Takes::Nothing},
     Row{"center_perspective", Takes::Nothing},
     Row{"center_no_perspective", Takes::Nothing},

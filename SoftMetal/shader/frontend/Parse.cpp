@@ -21,6 +21,7 @@ constexpr const char* PrecompiledName = "/softmetal/standard.pch";
 constexpr std::array IncludeNames = {
     "metal_stdlib",  "simd/simd.h",    "metal_math",     "metal_matrix",   "metal_geometric", "metal_common", "metal_texture",
     "metal_graphics", "metal_integer", "metal_relational", "metal_types", "metal_pack",      "metal_array",
+    "metal_atomic",
 };
 
 constexpr std::array CommonArguments = {

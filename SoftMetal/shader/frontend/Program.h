@@ -31,6 +31,8 @@ enum class Role : uint8_t {
     FrontFacing,
     PointCoord,
     PrimitiveId,
+    SampleId,      // always 0: pipelines have one sample
+    ClipDistance,  // behind the plane where it is below zero
     Buffer,
     Texture,
     Sampler,

@@ -35,6 +35,8 @@ constexpr RoleRow RoleRows[] = {
     {"front_facing", Role::FrontFacing, FragmentIn, Needs::Bool, 1, 0},
     {"point_coord", Role::PointCoord, FragmentIn, Needs::Real, 2, 0},
     {"primitive_id", Role::PrimitiveId, FragmentIn, Needs::Integer, 1, 0},
+    {"sample_id", Role::SampleId, FragmentIn, Needs::Integer, 1, 0},
+    {"clip_distance", Role::ClipDistance, VertexOut, Needs::Real, 0, 0},
     {"sample_mask", Role::SampleMask, FragmentIn | FragmentOut, Needs::Integer, 1, 0},
     {"position", Role::Position, VertexOut | FragmentIn, Needs::Real, 4, 0},
     {"point_size", Role::PointSize, VertexOut | FragmentIn, Needs::Real, 1, 0},
@@ -245,10 +247,11 @@ private:
 
     void setType(const clang::NamedDecl* declaration, clang::QualType type, Value& value)
     {
-        auto numeric = numericType(context_, type);
+        const clang::ConstantArrayType* array = attribute(declaration, "clip_distance") ? context_.getAsConstantArrayType(type) : nullptr;
+        auto numeric = numericType(context_, array ? array->getElementType() : type);
         if (!numeric) return error(declaration, "'%0' must be a scalar or a vector", declaration->getName());
         value.type = numeric->scalar;
-        value.components = numeric->components;
+        value.components = array ? static_cast<uint32_t>(std::min<uint64_t>(array->getSize().getZExtValue(), abi::MaxClipDistances + 1)) : numeric->components;
         value.componentSize = numeric->componentSize;
     }
 
@@ -293,6 +296,19 @@ private:
         for (Value& value : entry.results)
             if (value.role == Role::None) value.role = entry.stage == Stage::Vertex ? Role::Position : Role::Color;
         checkOutputs(function, entry);
+        checkClipDistances(function, entry);
+    }
+
+    void checkClipDistances(const clang::FunctionDecl* function, const Entry& entry)
+    {
+        uint32_t count = 0, members = 0;
+        for (const Value& value : entry.results) {
+            if (value.role != Role::ClipDistance) continue;
+            ++members;
+            count += value.components;
+        }
+        if (members > 1) error(function, "vertex function '%0' has two results with attribute 'clip_distance'", function->getName());
+        if (count > abi::MaxClipDistances) error(function, "vertex function '%0' has more clip distances than this device supports", function->getName());
     }
 
     void checkOutputs(const clang::FunctionDecl* function, const Entry& entry)

@@ -101,10 +101,16 @@ void reflectOutput(const Value& value, FunctionReflection& result)
     switch (value.role) {
     case Role::Position: result.hasPosition = true; break;
     case Role::PointSize: result.pointSizeComponent = static_cast<int32_t>(result.inputComponents++); break;
+    case Role::ClipDistance:
+        result.clipComponent = result.inputComponents;
+        result.clipDistances = value.components;
+        result.inputComponents += value.components;
+        break;
     case Role::Varying:
         result.varyings.push_back(varying(value, result.inputComponents));
         result.inputComponents += value.components;
         break;
+    case Role::SampleMask: result.writesCoverage = true; break;
     case Role::Color:
         if (value.index >= abi::MaxColorOutputs) return;
         result.colorOutputs |= 1u << value.index;

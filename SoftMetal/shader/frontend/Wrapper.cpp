@@ -154,6 +154,7 @@ private:
             switch (value.role) {
             case Role::Position: call(intrinsic::StoreOutput, b_.getVoidTy(), {constant(c), v}); break;
             case Role::PointSize:
+            case Role::ClipDistance:
             case Role::Varying: call(intrinsic::StoreOutput, b_.getVoidTy(), {constant(outputs_++), v}); break;
             case Role::Color: call(intrinsic::StoreColor, b_.getVoidTy(), {constant(value.index), constant(c), v}); break;
             case Role::Depth: call(intrinsic::StoreDepth, b_.getVoidTy(), {v}); break;

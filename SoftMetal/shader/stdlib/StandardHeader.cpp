@@ -16,6 +16,9 @@ constexpr const char* Functions =
 constexpr const char* Textures =
 #include "shader/stdlib/Textures.inc"
     ;
+constexpr const char* Atomics =
+#include "shader/stdlib/Atomics.inc"
+    ;
 constexpr const char* End =
 #include "shader/stdlib/End.inc"
     ;
@@ -24,7 +27,7 @@ constexpr const char* End =
 
 std::string standardHeader()
 {
-    return Core + vectorText() + matrixText() + std::string(Math) + functionText() + Functions + Textures + End;
+    return Core + vectorText() + matrixText() + std::string(Math) + functionText() + Functions + Textures + Atomics + End;
 }
 
 } // namespace softmetal::shader

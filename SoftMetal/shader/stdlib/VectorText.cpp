@@ -121,7 +121,8 @@ std::string operators(int n)
         text += "friend constexpr vec operator" + op + "(const vec& a) { return vec(" + values + "); }\n";
     }
     text += "friend constexpr " + flags + " operator!(const vec& a) { return " + flags + "(" + perComponent(n, "!", "", ", ") + "); }\n";
-    text += "vec& operator++() { return *this += vec(T(1)); }\nvec& operator--() { return *this -= vec(T(1)); }\n";
+    text += "vec& operator++() { return *this += vec(T(1)); }\nvec& operator--() { return *this -= vec(T(1)); }\n"
+            "vec operator++(int) { vec before = *this; ++*this; return before; }\nvec operator--(int) { vec before = *this; --*this; return before; }\n";
     return text;
 }
 

@@ -34,6 +34,7 @@ Value* Widener::resource(StringRef name, CallInst& call)
     if (is(name, intrinsic::Sampler)) return bound(offsetof(abi::Resources, samplers), abi::MaxSamplers);
     if (is(name, intrinsic::ConstantSampler)) return constantSampler(call);
     if (is(name, intrinsic::TextureSize)) return textureSize(call);
+    if (is(name, intrinsic::Atomic)) return atomic(call);
     if (is(name, intrinsic::Dfdx)) return derivative(vector(call.getArgOperand(0)), false);
     if (is(name, intrinsic::Dfdy)) return derivative(vector(call.getArgOperand(0)), true);
     return nullptr;
@@ -90,6 +91,10 @@ bool Widener::access(StringRef name, CallInst& call)
         read(call);
         return true;
     }
+    if (is(name, intrinsic::Write)) {
+        write(call);
+        return true;
+    }
     void* function = nullptr;
     if (is(name, intrinsic::Sample)) function = reinterpret_cast<void*>(runtime.sample);
     else if (is(name, intrinsic::SampleCompare)) function = reinterpret_cast<void*>(runtime.sampleCompare);
@@ -99,7 +104,7 @@ bool Widener::access(StringRef name, CallInst& call)
     std::vector<Value*> extra;
     fillSample(call, sampleCall_);
     if (is(name, intrinsic::SampleCompare)) storeLanes(sampleCall_, offsetof(abi::SampleCall, compare), vector(call.getArgOperand(ExtraArgument)));
-    if (is(name, intrinsic::Gather)) extra.push_back(b.getInt32(static_cast<uint32_t>(number(call, ExtraArgument, 4))));
+    if (is(name, intrinsic::Gather)) extra.push_back(b.getInt32(static_cast<uint32_t>(number(call, ExtraArgument, 5))));
     emptyResults(at(sampleCall_, offsetof(abi::SampleCall, result)));
     const Value *texture = call.getArgOperand(TextureArgument), *sampler = call.getArgOperand(SamplerArgument);
     kept(texture);

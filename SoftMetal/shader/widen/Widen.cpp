@@ -19,6 +19,7 @@ Widener::Widener(llvm::Function& scalar, const WidenOptions& options)
     for (const Instruction& i : instructions(scalar)) {
         if (const auto* store = dyn_cast<StoreInst>(&i)) writesBuffers_ |= memoryOf(store->getPointerOperand()) != Memory::Private;
         if (const auto* copy = dyn_cast<MemIntrinsic>(&i)) writesBuffers_ |= memoryOf(copy->getDest()) != Memory::Private;
+        if (const auto* call = dyn_cast<CallInst>(&i)) writesBuffers_ |= isAtomic(*call);
     }
 }
 

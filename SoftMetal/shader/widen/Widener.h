@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // The class behind widen(): state of one run. Control flow is in Widen.cpp, single instructions in WideInstructions.cpp,
-// memory in WideMemory.cpp and WideBounds.cpp, stage inputs and outputs in WideCalls.cpp, texture accesses in WideAccesses.cpp.
+// memory in WideMemory.cpp and WideBounds.cpp, stage inputs and outputs in WideCalls.cpp, texture accesses in WideAccesses.cpp, effects on memory through the runtime in
+// WideEffects.cpp.
 #pragma once
 
 #include "shader/Intrinsics.h"
@@ -130,6 +131,9 @@ private:
     bool access(llvm::StringRef name, llvm::CallInst& call);
     void fillSample(llvm::CallInst& call, Value* place);
     void read(llvm::CallInst& call);
+    void write(llvm::CallInst& call);
+    static bool isAtomic(const llvm::CallInst& call);
+    Value* atomic(llvm::CallInst& call);
     llvm::AllocaInst* accessPlace(uint64_t size, uint64_t results);
     void accessResults(llvm::CallInst& call, Value* where);
     void extract(llvm::ExtractElementInst& instruction);
@@ -156,7 +160,8 @@ private:
     llvm::IntegerType* maskBits_ = nullptr;
     Value *entryMask_ = nullptr, *mask_ = nullptr; // lanes that entered; lanes of the block being written
     bool everyLane_ = true;                        // mask_ is entryMask_
-    llvm::AllocaInst *killed_ = nullptr, *limit_ = nullptr, *sampleCall_ = nullptr, *readCall_ = nullptr;
+    llvm::AllocaInst *killed_ = nullptr, *limit_ = nullptr, *sampleCall_ = nullptr, *readCall_ = nullptr,
+                     *writeCall_ = nullptr, *atomicCall_ = nullptr;
     llvm::AllocaInst* private_ = nullptr; // all lanes' private memory
     uint64_t privateSize_ = 0;            // of one lane, in bytes
     std::unordered_map<const Value*, uint64_t> privateOffsets_;

@@ -235,7 +235,7 @@ std::string program(const std::string& body, const std::string& globals)
 
 const abi::RuntimeTable& runtimeTable()
 {
-    static const abi::RuntimeTable table = {abi::Version, 0, sample, sampleCompare, gather, read, stopLoop, noteOutside};
+    static const abi::RuntimeTable table = {abi::Version, 0, sample, sampleCompare, gather, read, stopLoop, noteOutside, nullptr, nullptr};
     return table;
 }
 
