@@ -96,7 +96,7 @@ inline constexpr std::array RuleTable = {
     RuleRow{Rule::TextureImageBytes, "texture.image-bytes", "{}: the bytes per image ({}) are fewer than an image of texture {} has ({})"},
     RuleRow{Rule::TextureNilBytes, "texture.nil-bytes", "{}: the memory for texture {} must not be null"},
     RuleRow{Rule::TextureViewFormat, "texture.view-format", "newTextureView: a texel of the view's pixel format ({}) has another size than one of texture {}"},
-    RuleRow{Rule::TextureViewRange, "texture.view-range", "newTextureView: texture {} does not have levels {} to {} or slices {} to {}"},
+    RuleRow{Rule::TextureViewRange, "texture.view-range", "newTextureView: texture {} does not have {} levels from level {} or {} slices from slice {}"},
     RuleRow{Rule::TextureViewType, "texture.view-type", "newTextureView: texture {} of type {} has no view of type {} with {} slices"},
     RuleRow{Rule::TextureViewUsage, "texture.view-usage", "newTextureView: texture {} needs pixel format view usage to be seen with another pixel format ({})"},
     RuleRow{Rule::SamplerPixelMip, "sampler.pixel-mip", "newSamplerState: sampler {} with pixel coordinates must not use mip levels (mip filter {})"},

@@ -220,8 +220,8 @@ TextureObject* TextureObject::makeView(MTL::PixelFormat format, MTL::TextureType
     auto fits = [](NS::Range r, NS::UInteger limit) { return r.length > 0 && r.location < limit && r.length <= limit - r.location; };
     bool sameKind = wanted && wanted->bytes == ours->bytes && wanted->isDepthOrStencil() == ours->isDepthOrStencil();
     if (!require(sameKind, Rule::TextureViewFormat, format, *this)) return nullptr;
-    if (!require(fits(levels, view.levelCount) && fits(range, slices()), Rule::TextureViewRange, *this, levels.location, levels.location + levels.length,
-                 range.location, range.location + range.length))
+    if (!require(fits(levels, view.levelCount) && fits(range, slices()), Rule::TextureViewRange, *this, levels.length, levels.location, range.length,
+                 range.location))
         return nullptr;
     if (!require(viewable(description.textureType, type, range.length), Rule::TextureViewType, *this, description.textureType, type, range.length)) return nullptr;
     bool mayDiffer = (description.usage & MTL::TextureUsagePixelFormatView) != 0 || withoutTransfer(*ours) == withoutTransfer(*wanted);

@@ -2,7 +2,8 @@
 // Rules that only show when the work runs: what functions reach for outside the memory they were given.
 #include "ValidationFixture.h"
 
-namespace device_test {
+namespace device_test
+{
 
 void Validation::shaders()
 {
@@ -36,19 +37,33 @@ fragment float4 texel(texture2d<float> t [[texture(0)]], constant int& at [[buff
     };
     auto* indices = bufferOf<uint16_t>({0, 5, 6});
     expectPairs({
-        {"shader.buffer-range", [&](bool keeps) { running("list", keeps ? 3 : 4); }},
-        {"shader.buffer-range", [&](bool keeps) { running("list", keeps ? 0 : -1); }},
-        {"shader.buffer-range", [&](bool keeps) { running("written", keeps ? 3 : 4); }},
-        {"shader.table-range", [&](bool keeps) { running("own", keeps ? 2 : 3); }},
-        {"shader.texel-range", [&](bool keeps) { running("texel", keeps ? 3 : 4); }},
+        {"shader.buffer-range",
+         "command buffer 'frame': a fragment function went beyond the buffer at index 1; it reads zeros and writes "
+         "nothing",
+         [&](bool keeps) { running("list", keeps ? 3 : 4); }},
+        {"shader.buffer-range",
+         "command buffer 'frame': a fragment function went beyond the buffer at index 1; it reads zeros and writes "
+         "nothing",
+         [&](bool keeps) { running("list", keeps ? 0 : -1); }},
+        {"shader.buffer-range",
+         "command buffer 'frame': a fragment function went beyond the buffer at index 3; it reads zeros and writes "
+         "nothing",
+         [&](bool keeps) { running("written", keeps ? 3 : 4); }},
+        {"shader.table-range",
+         "command buffer 'frame': a fragment function went beyond a table of its own; it reads zeros",
+         [&](bool keeps) { running("own", keeps ? 2 : 3); }},
+        {"shader.texel-range", "command buffer 'frame': a function read a texel outside its texture; it reads zeros",
+         [&](bool keeps) { running("texel", keeps ? 3 : 4); }},
         {"draw.vertex-fetch",
+         "command buffer 'frame': vertex attribute 0 was fetched beyond the end of its buffer; it reads zeros",
          [&](bool keeps) {
-             drawing([&](auto* e) { e->drawIndexedPrimitives(MTL::PrimitiveTypePoint, NS::UInteger(keeps ? 2 : 3), MTL::IndexTypeUInt16, indices, NS::UInteger(0)); });
+             drawing([&](auto* e) {
+                 e->drawIndexedPrimitives(MTL::PrimitiveTypePoint, NS::UInteger(keeps ? 2 : 3), MTL::IndexTypeUInt16,
+                                          indices, NS::UInteger(0));
+             });
          }},
     });
 }
-
-TEST_F(Validation, Shaders) { shaders(); }
 
 TEST_F(Validation, FunctionsStayInsideTheirMemoryWithoutValidation)
 {

@@ -2,27 +2,72 @@
 // The rules as a whole: all of them are tested, what must be let pass, messages and modes.
 #include "ValidationFixture.h"
 
-namespace device_test {
-
-TEST_F(Validation, EveryRuleIsTested)
+namespace device_test
 {
-    commandBuffers();
-    encoders();
-    passes();
-    drawsWithTheirState();
-    drawsWithTheirBindings();
-    bindings();
-    buffers();
-    textureDescriptors();
-    textureAccess();
-    samplers();
-    blits();
-    layers();
-    shaders();
-    for (const std::string& rule : SoftMetal::validationRules()) EXPECT_TRUE(fired.contains(rule)) << rule;
+
+/// Where the pairs of a rule are: by how its id begins.
+struct Chapter
+{
+    const char* rules;
+    void (Validation::*pairs)();
+};
+
+const std::array Chapters = {
+    Chapter{"commands.", &Validation::commandBuffers},
+    Chapter{"queue.", &Validation::commandBuffers},
+    Chapter{"encoder.", &Validation::encoders},
+    Chapter{"pass.", &Validation::passes},
+    Chapter{"draw.", &Validation::drawsWithTheirState},
+    Chapter{"draw.", &Validation::drawsWithTheirBindings},
+    Chapter{"draw.vertex-fetch", &Validation::shaders},
+    Chapter{"shader.", &Validation::shaders},
+    Chapter{"bind.", &Validation::bindings},
+    Chapter{"buffer.", &Validation::buffers},
+    Chapter{"device.", &Validation::textureDescriptors},
+    Chapter{"texture.", &Validation::textureDescriptors},
+    Chapter{"texture.", &Validation::textureAccess},
+    Chapter{"sampler.", &Validation::samplers},
+    Chapter{"blit.", &Validation::blits},
+    Chapter{"layer.", &Validation::layers},
+};
+
+class ValidationRule : public Validation, public ::testing::WithParamInterface<std::string>
+{};
+
+TEST_P(ValidationRule, IsReportedWhenBrokenAndSilentWhenKept)
+{
+    only = GetParam();
+    for (const Chapter& chapter : Chapters)
+        if (only.starts_with(chapter.rules)) (this->*chapter.pairs)();
+    EXPECT_TRUE(paired.contains(only)) << "the rule has no pair";
 }
 
-// ---- what is let pass -----------------------------------------------------------------------------------------------------------
+/// draw.no-pipeline: DrawNoPipeline
+std::string nameOf(const ::testing::TestParamInfo<std::string>& rule)
+{
+    std::string name;
+    bool first = true;
+    for (char c : rule.param) {
+        bool letter = c >= 'a' && c <= 'z';
+        if (letter) name += first ? static_cast<char>(c - 'a' + 'A') : c;
+        first = !letter;
+    }
+    return name;
+}
+
+INSTANTIATE_TEST_SUITE_P(Rules, ValidationRule, ::testing::ValuesIn(SoftMetal::validationRules()), nameOf);
+
+TEST_F(Validation, HasPairsForEveryRuleAndForNoOther)
+{
+    for (const Chapter& chapter : Chapters)
+        (this->*chapter.pairs)();
+    const auto rules = SoftMetal::validationRules();
+    EXPECT_EQ(paired, std::set<std::string>(rules.begin(), rules.end()));
+    EXPECT_EQ(paired.size(), rules.size()) << "two rules have one id";
+}
+
+// ---- what is let pass
+// -----------------------------------------------------------------------------------------------------------
 
 TEST_F(Validation, SamplerSlotsThatNobodyReadsMayBeNil)
 {
@@ -67,7 +112,8 @@ TEST_F(Validation, DepthStencilTextureMayBeBoundForOneOfThem)
     }
 }
 
-// ---- messages and modes ---------------------------------------------------------------------------------------------------------
+// ---- messages and modes
+// ---------------------------------------------------------------------------------------------------------
 
 TEST_F(Validation, SentenceNamesCallLabelValueAndLimit)
 {
@@ -94,7 +140,8 @@ TEST_F(Validation, SentenceIsPrintedAtMostTenTimes)
     int lines = 0;
     SoftMetal::setLogSink([&](const std::string&) { ++lines; });
     auto* b = buffer(4);
-    for (int i = 0; i < 30; ++i) b->didModifyRange(NS::Range(0, 5));
+    for (int i = 0; i < 30; ++i)
+        b->didModifyRange(NS::Range(0, 5));
     EXPECT_EQ(lines, 10);
     EXPECT_EQ(broken().size(), 30u);
 }
