@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // What a device makes.
 #include "execution/Atomics.h"
-#include "execution/Limits.h"
 #include "execution/QueueThread.h"
 #include "foundation/Strings.h"
 #include "inspect/Counters.h"
@@ -41,7 +40,7 @@ shader::Compiler* compiler(std::string& error)
 {
     static const abi::RuntimeTable runtime = [] {
         abi::RuntimeTable table = texturing::runtimeTable();
-        table.loopLimitReached = noteShaderLimit;
+        table.loopLimitReached = inspect::noteShaderLimit;
         table.outside = inspect::noteOutsideBuffers;
         table.atomic = runAtomics;
         texturing::setOutsideTexelHandler(inspect::noteOutsideTexture);

@@ -1,24 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "encoding/Commands.h"
+#include "execution/Execute.h"
 
 #include <memory>
 
-namespace softmetal {
+namespace softmetal
+{
 
-/// A queue's own thread, which runs its command buffers one after the other. With discards set nothing is drawn or copied.
+/// What runs a queue's command buffers one after the other: a thread of its own, or, where no threads are wanted,
+/// whoever commits, before the call returns. With discards set nothing is drawn or copied.
 std::unique_ptr<Executor> makeQueueThread(bool discards);
-
-/// Runs one record; public for the tests of this room.
-void execute(const Record& record, const CommandStorage& storage);
-
-/// Called on the queue's thread when a pass is done, with its serial number: with what it was drawn to, or with null when it
-/// was thrown away or its command buffer failed. One observer; null for none.
-using PassObserver = void (*)(uint64_t serial, const raster::PassDescription* targets);
-void setPassObserver(PassObserver observer);
-
-/// Waits this long before it runs each command buffer, for tests of waiting.
-void setCommandBufferDelay(double milliseconds);
 
 } // namespace softmetal

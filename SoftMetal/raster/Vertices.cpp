@@ -162,7 +162,7 @@ ShadedVertices shade(const DrawState& state, const DrawCall& call, const VertexL
     workers::parallelFor(tasks, [&](size_t task) {
         static thread_local auto batch = std::make_unique<Batch>();
         size_t end = std::min(list.ids.size(), (task + 1) * step);
-        for (size_t first = task * step; first < end; first += lanes())
+        for (size_t first = task * step; first < end && !inspect::shaderLimitReached(); first += lanes())
             shadeBatch(state, plan, list, instance, call, static_cast<uint32_t>(first), *batch, out);
     });
     return out;

@@ -1,37 +1,36 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "workers/Pool.h"
 
+#include "workers/Processors.h"
+
 #include <algorithm>
 #include <atomic>
 #include <condition_variable>
 #include <cstdlib>
 #include <fstream>
+#include <iterator>
 #include <mutex>
 #include <string>
 #include <thread>
 #include <vector>
 
-#include <sched.h>
-
-namespace softmetal::workers {
-namespace {
-
-/// Processors that the container's quota amounts to, rounded up; a large number without one.
-size_t quota()
+namespace softmetal::workers
 {
-    std::ifstream file("/sys/fs/cgroup/cpu.max");
-    std::string limit;
-    double period = 0;
-    if (!(file >> limit >> period) || limit == "max" || period <= 0) return 1024;
-    return std::max<size_t>(1, static_cast<size_t>(std::atof(limit.c_str()) / period + 0.999));
+namespace
+{
+
+std::string contentsOf(const std::string& path)
+{
+    std::ifstream file(path);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-size_t chooseThreads()
+/// Chosen once, since the queues made meanwhile rely on it.
+size_t chosen()
 {
-    if (const char* wanted = std::getenv("SOFTMETAL_THREADS")) return std::clamp(std::atoi(wanted), 1, 256);
-    cpu_set_t allowed;
-    size_t processors = sched_getaffinity(0, sizeof allowed, &allowed) == 0 ? static_cast<size_t>(CPU_COUNT(&allowed)) : std::thread::hardware_concurrency();
-    return std::max<size_t>(1, std::min(processors, quota()));
+    static const size_t threads =
+        chooseThreads(std::getenv("SOFTMETAL_THREADS"), std::min(affinity(), quota(contentsOf)));
+    return threads;
 }
 
 class Pool
@@ -39,7 +38,8 @@ class Pool
 public:
     explicit Pool(size_t threads)
     {
-        for (size_t i = 1; i < threads; ++i) threads_.emplace_back([this] { work(); });
+        for (size_t i = 1; i < threads; ++i)
+            threads_.emplace_back([this] { work(); });
     }
 
     ~Pool()
@@ -49,10 +49,9 @@ public:
             stopping_ = true;
         }
         wake_.notify_all();
-        for (std::thread& thread : threads_) thread.join();
+        for (std::thread& thread : threads_)
+            thread.join();
     }
-
-    size_t size() const { return threads_.size() + 1; }
 
     void run(size_t count, const std::function<void(size_t)>& body)
     {
@@ -74,7 +73,8 @@ public:
 private:
     void takeAll(size_t count, const std::function<void(size_t)>& body)
     {
-        for (size_t i = next_++; i < count; i = next_++) body(i);
+        for (size_t i = next_++; i < count; i = next_++)
+            body(i);
     }
 
     void work()
@@ -106,7 +106,7 @@ private:
 
 Pool& pool()
 {
-    static Pool instance(chooseThreads());
+    static Pool instance(chosen());
     return instance;
 }
 
@@ -114,10 +114,18 @@ Pool& pool()
 
 void parallelFor(size_t count, const std::function<void(size_t)>& body)
 {
-    if (count > 1 && pool().size() > 1) return pool().run(count, body);
-    for (size_t i = 0; i < count; ++i) body(i);
+    if (count > 1 && threadCount() > 1) return pool().run(count, body);
+    for (size_t i = 0; i < count; ++i)
+        body(i);
 }
 
-size_t threadCount() { return pool().size(); }
+size_t threadCount()
+{
+    return std::max<size_t>(1, chosen());
+}
+bool callerDraws()
+{
+    return chosen() == 0;
+}
 
 } // namespace softmetal::workers
