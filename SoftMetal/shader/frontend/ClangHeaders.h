@@ -20,6 +20,8 @@
 #include <clang/Frontend/FrontendActions.h>
 #include <clang/Frontend/MultiplexConsumer.h>
 #include <clang/Frontend/TextDiagnosticPrinter.h>
+#include <clang/Lex/Pragma.h>
+#include <clang/Lex/Preprocessor.h>
 #include <clang/Lex/PreprocessorOptions.h>
 #include <clang/Sema/Lookup.h>
 #include <clang/Sema/ParsedAttr.h>

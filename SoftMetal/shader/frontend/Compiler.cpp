@@ -5,6 +5,7 @@
 #include "shader/Intrinsics.h"
 #include "shader/codegen/Codegen.h"
 #include "shader/frontend/Checks.h"
+#include "shader/frontend/LargeStack.h"
 #include "shader/frontend/Program.h"
 
 #include <llvm/IR/Constants.h>
@@ -14,12 +15,17 @@
 #include <chrono>
 #include <mutex>
 
-namespace softmetal::shader {
-namespace {
+namespace softmetal::shader
+{
+namespace
+{
 
 using Clock = std::chrono::steady_clock;
 
-double milliseconds(Clock::time_point since) { return std::chrono::duration<double, std::milli>(Clock::now() - since).count(); }
+double milliseconds(Clock::time_point since)
+{
+    return std::chrono::duration<double, std::milli>(Clock::now() - since).count();
+}
 
 /// A program with the lock of its LLVM context.
 struct Shared
@@ -31,11 +37,11 @@ struct Shared
 class FunctionImplementation final : public Function
 {
 public:
-    FunctionImplementation(std::shared_ptr<Shared> shared, std::unique_ptr<llvm::Module> module, FunctionReflection reflection,
-                           Generator& generator, CompileTimes times)
-        : shared_(std::move(shared)), module_(std::move(module)), reflection_(std::move(reflection)), generator_(generator), times_(times)
-    {
-    }
+    FunctionImplementation(std::shared_ptr<Shared> shared, std::unique_ptr<llvm::Module> module,
+                           FunctionReflection reflection, Generator& generator, CompileTimes times)
+        : shared_(std::move(shared)), module_(std::move(module)), reflection_(std::move(reflection)),
+          generator_(generator), times_(times)
+    {}
 
     ~FunctionImplementation() override
     {
@@ -44,8 +50,14 @@ public:
     }
 
     const FunctionReflection& reflection() const override { return reflection_; }
-    abi::VertexFunction vertexCode(std::string& error) override { return reinterpret_cast<abi::VertexFunction>(code(Stage::Vertex, error)); }
-    abi::FragmentFunction fragmentCode(std::string& error) override { return reinterpret_cast<abi::FragmentFunction>(code(Stage::Fragment, error)); }
+    abi::VertexFunction vertexCode(std::string& error) override
+    {
+        return reinterpret_cast<abi::VertexFunction>(code(Stage::Vertex, error));
+    }
+    abi::FragmentFunction fragmentCode(std::string& error) override
+    {
+        return reinterpret_cast<abi::FragmentFunction>(code(Stage::Fragment, error));
+    }
 
     CompileTimes times() const override
     {
@@ -62,7 +74,7 @@ private:
             return nullptr;
         }
         if (module_) {
-            code_ = generator_.generate(*module_, stage, times_, error_);
+            onLargeStack([&] { code_ = generator_.generate(*module_, stage, times_, error_); });
             module_.reset();
         }
         error = error_;
@@ -92,7 +104,7 @@ void noteUses(const llvm::Module& module, FunctionReflection& reflection)
         return false;
     };
     for (BindingReflection& binding : reflection.bindings) {
-        std::string_view name = binding.kind == BindingKind::Buffer ? intrinsic::Buffer
+        std::string_view name = binding.kind == BindingKind::Buffer    ? intrinsic::Buffer
                                 : binding.kind == BindingKind::Texture ? intrinsic::Texture
                                                                        : intrinsic::Sampler;
         binding.used = usesIndex(name, binding.index, binding.count);
@@ -117,14 +129,16 @@ public:
     LibraryImplementation(std::unique_ptr<Program> program, Generator& generator, CompileTimes times)
         : shared_(std::make_shared<Shared>()), generator_(generator), times_(times)
     {
-        for (const Entry& entry : program->entries) described_.push_back(reflect(*program, entry, nullptr));
+        for (const Entry& entry : program->entries)
+            described_.push_back(reflect(*program, entry, nullptr));
         shared_->program = std::move(program);
     }
 
     std::vector<std::string> functionNames() const override
     {
         std::vector<std::string> names;
-        for (const FunctionReflection& function : described_) names.push_back(function.name);
+        for (const FunctionReflection& function : described_)
+            names.push_back(function.name);
         return names;
     }
 
@@ -135,7 +149,18 @@ public:
         return nullptr;
     }
 
-    std::shared_ptr<Function> specialise(std::string_view name, const std::vector<ConstantValue>& values, std::string& error) override
+    std::shared_ptr<Function> specialise(std::string_view name, const std::vector<ConstantValue>& values,
+                                         std::string& error) override
+    {
+        std::shared_ptr<Function> function;
+        onLargeStack([&] { function = make(name, values, error); });
+        return function;
+    }
+
+    CompileTimes times() const override { return times_; }
+
+private:
+    std::shared_ptr<Function> make(std::string_view name, const std::vector<ConstantValue>& values, std::string& error)
     {
         std::lock_guard lock(shared_->mutex);
         const Program& program = *shared_->program;
@@ -165,12 +190,10 @@ public:
         if (error = leftOver(*module); !error.empty()) return nullptr;
         FunctionReflection reflection = reflect(program, *entry, &constants);
         noteUses(*module, reflection);
-        return std::make_shared<FunctionImplementation>(shared_, std::move(module), std::move(reflection), generator_, times);
+        return std::make_shared<FunctionImplementation>(shared_, std::move(module), std::move(reflection), generator_,
+                                                        times);
     }
 
-    CompileTimes times() const override { return times_; }
-
-private:
     std::shared_ptr<Shared> shared_;
     Generator& generator_;
     CompileTimes times_;
@@ -180,12 +203,16 @@ private:
 class CompilerImplementation final : public Compiler
 {
 public:
-    CompilerImplementation(std::unique_ptr<Generator> generator, uint32_t lanes) : generator_(std::move(generator)), lanes_(lanes) {}
+    CompilerImplementation(std::unique_ptr<Generator> generator, uint32_t lanes)
+        : generator_(std::move(generator)), lanes_(lanes)
+    {}
 
-    std::shared_ptr<Library> compile(std::string_view source, const CompileOptions& options, std::string& messages) override
+    std::shared_ptr<Library> compile(std::string_view source, const CompileOptions& options,
+                                     std::string& messages) override
     {
         auto start = Clock::now();
-        std::unique_ptr<Program> program = parse(source, options, messages);
+        std::unique_ptr<Program> program;
+        onLargeStack([&] { program = parse(source, options, messages); });
         if (!program) return nullptr;
         CompileTimes times;
         times.parse = milliseconds(start);
@@ -203,8 +230,8 @@ private:
 } // namespace softmetal::shader
 
 /// The one door of this shared object. The compiler lives to the end of the process.
-extern "C" __attribute__((visibility("default"))) softmetal::shader::Compiler* softmetal_open_compiler(const softmetal::abi::RuntimeTable* runtime,
-                                                                                                       uint32_t lanes)
+extern "C" __attribute__((visibility("default"))) softmetal::shader::Compiler*
+softmetal_open_compiler(const softmetal::abi::RuntimeTable* runtime, uint32_t lanes)
 {
     using namespace softmetal;
     bool known = runtime && runtime->version == abi::Version && (lanes == 4 || lanes == 8 || lanes == 16);

@@ -1,0 +1,223 @@
+// SPDX-License-Identifier: Apache-2.0
+// Source text that means harm: it reaches no file of the machine, and it ends in messages, never in the end of the
+// process.
+#include "softmetal/device/DeviceFixture.h"
+
+#include <fstream>
+
+#include <unistd.h>
+
+namespace device_test
+{
+namespace
+{
+
+class HostileSource : public Device
+{
+protected:
+    /// A file that exists, with a macro in it that nothing else defines.
+    void SetUp() override
+    {
+        Device::SetUp();
+        char name[] = "/tmp/softmetal-hostile-XXXXXX";
+        int file = mkstemp(name);
+        ASSERT_NE(file, -1);
+        close(file);
+        path = name;
+        std::ofstream(path) << "#define SECRET 1\n";
+    }
+
+    void TearDown() override
+    {
+        unlink(path.c_str());
+        Device::TearDown();
+    }
+
+    /// The compiler's messages; empty when it took the source without one.
+    std::string messagesOf(const std::string& source)
+    {
+        NS::Error* error = nullptr;
+        refused = owned(device->newLibrary(text(source), nullptr, &error)) == nullptr;
+        return error ? error->localizedDescription()->utf8String() : "";
+    }
+
+    void expectRefused(const std::string& source, const char* words)
+    {
+        std::string messages = messagesOf(source);
+        EXPECT_TRUE(refused) << source;
+        EXPECT_NE(messages.find(words), std::string::npos) << source << "\n" << messages;
+        EXPECT_EQ(messages.find("SECRET 1"), std::string::npos);
+    }
+
+    std::string path;
+    bool refused = false;
+};
+
+/// The text that follows is compiled when the condition holds; it must not.
+std::string unless(const std::string& condition)
+{
+    return "#if " + condition + "\n#error reached\n#endif\nconstant int used = 1;\n";
+}
+
+// ---- files
+// ----------------------------------------------------------------------------------------------------------------------
+
+TEST_F(HostileSource, IncludesTheStandardHeadersOnly)
+{
+    EXPECT_EQ(messagesOf("#include <metal_stdlib>\n#include <simd/simd.h>\n"), "");
+    EXPECT_FALSE(refused);
+    for (const char* name :
+         {"<vector>", "<cstdio>", "\"stdio.h\"", "<../../etc/passwd>", "\"/etc/passwd\"", "<metal_stdlib.h>"})
+        expectRefused("#include " + std::string(name) + "\n", "file not found");
+}
+
+TEST_F(HostileSource, IncludesNoFileOfTheMachine)
+{
+    for (const char* directive : {"#include", "#include_next", "#import"})
+        for (const std::string& name : {'"' + path + '"', '<' + path + '>', "\"../../../../../.." + path + '"'})
+            expectRefused(std::string(directive) + " " + name + "\n#ifdef SECRET\n#error reached\n#endif\n",
+                          "file not found");
+}
+
+TEST_F(HostileSource, IncludesNoFileThroughAMacroOrAnotherName)
+{
+    expectRefused("#define NAME \"" + path + "\"\n#include NAME\n", "file not found");
+    expectRefused("#line 1 \"" + path + "\"\n#include \"" + path + "\"\n", "file not found");
+    expectRefused("#line 1 \"/tmp/x.metal\"\n#include \"" + path.substr(5) + "\"\n", "file not found");
+}
+
+TEST_F(HostileSource, IncludesNotItselfWithoutEnd)
+{
+    messagesOf("#include __FILE__\n");
+    EXPECT_TRUE(refused);
+    messagesOf("#include \"program_source\"\n");
+    EXPECT_TRUE(refused);
+}
+
+TEST_F(HostileSource, SeesNoFileOfTheMachine)
+{
+    for (const std::string& name :
+         {'"' + path + '"', '<' + path + '>', std::string("<vector>"), std::string("\"/etc/passwd\"")})
+    {
+        EXPECT_EQ(messagesOf(unless("__has_include(" + name + ")")), "") << name;
+        EXPECT_EQ(messagesOf(unless("__has_include_next(" + name + ")")).find("reached"), std::string::npos) << name;
+        EXPECT_EQ(messagesOf(unless("__has_embed(" + name + ")")).find("reached"), std::string::npos) << name;
+    }
+    EXPECT_NE(messagesOf(unless("__has_include(<metal_stdlib>)")).find("reached"), std::string::npos);
+}
+
+TEST_F(HostileSource, EmbedsNoFile)
+{
+    for (const std::string& name : {'"' + path + '"', '<' + path + '>', std::string("\"/dev/zero\"")}) {
+        messagesOf("constant char bytes[] = {\n#embed " + name + "\n};\n");
+        EXPECT_TRUE(refused) << name;
+    }
+}
+
+TEST_F(HostileSource, ReachesNoFileThroughPragmas)
+{
+    expectRefused("#pragma GCC dependency \"" + path + "\"\n", "file not found");
+    for (const char* words :
+         {"clang module import Foundation", "clang module load Foundation", "clang module build x", "GCC system_header",
+          "push_macro(\"x\")", "comment(lib, \"m\")", "include_alias(<metal_stdlib>, </etc/passwd>)", "hdrstop",
+          "clang diagnostic ignored \"-Weverything\"", "GCC poison float4", "weak x", "redefine_extname sin cos",
+          "clang __debug dump float4"})
+        messagesOf(std::string("#pragma ") + words +
+                   "\n#include <metal_stdlib>\nconstant int used = 1;\n"); // whatever it says, the process runs on
+    EXPECT_EQ(messagesOf("#pragma clang diagnostic warning \"-Wall\"\nconstant int used = 1;\n"), "");
+}
+
+TEST_F(HostileSource, TakesNoOptionsFromItsText)
+{
+    for (const std::string& line : {"#pragma clang include \"" + path + "\"", "#pragma include \"" + path + "\"",
+                                    "#line 1 \"-include " + path + "\"", "// -include " + path})
+        EXPECT_EQ(messagesOf(line + "\n" + unless("defined(SECRET)")).find("reached"), std::string::npos) << line;
+}
+
+// ---- the compiler's life
+// ----------------------------------------------------------------------------------------------------------
+
+TEST_F(HostileSource, DoesNotStopTheCompilerByPragma)
+{
+    for (const char* words : {"crash", "parser_crash", "assert", "llvm_fatal_error", "llvm_unreachable",
+                              "llvm_report_fatal", "overflow_stack", "handle_crash", "captured", "llvm_fatal_error"})
+        messagesOf(std::string("#pragma clang __debug ") + words + "\nconstant int used = 1;\n");
+    EXPECT_EQ(messagesOf("constant int used = 1;\n"), "");
+}
+
+std::string repeated(size_t times, const std::string& words)
+{
+    std::string result;
+    for (size_t i = 0; i < times; ++i)
+        result += words;
+    return result;
+}
+
+TEST_F(HostileSource, MayBeNestedDeeply)
+{
+    for (size_t depth : {2000u, 50000u}) {
+        messagesOf("constant int a = " + repeated(depth, "(") + "1" + repeated(depth, ")") + ";\n");
+        EXPECT_TRUE(refused);
+        messagesOf("void f() " + repeated(depth, "{") + repeated(depth, "}") + "\n");
+        EXPECT_TRUE(refused);
+        messagesOf(repeated(depth, "namespace a {") + repeated(depth, "}") + "\n");
+        messagesOf("constant int b = " + repeated(depth, "-+!~") + "1;\n");
+        messagesOf("void g() { " + repeated(depth, "if (1) ") + "; }\n");
+        messagesOf("int h(int x) { return " + repeated(depth, "x + ") + "1; }\n");
+        messagesOf("int i(int x) { return " + repeated(depth, "x ? 1 : ") + "1; }\n");
+        messagesOf(repeated(depth, "template <") + "\n");
+        messagesOf("int " + repeated(depth, "*") + "j;\n");
+        messagesOf("using k = int" + repeated(depth, "[1]") + ";\n");
+        messagesOf(repeated(depth, "#if 1\n"));
+    }
+    EXPECT_EQ(messagesOf("constant int used = 1;\n"), "");
+}
+
+TEST_F(HostileSource, MayRecurseInTemplatesAndConstants)
+{
+    messagesOf("template <int N> struct S { static constant int v = S<N + 1>::v; };\nconstant int a = S<0>::v;\n");
+    EXPECT_TRUE(refused);
+    messagesOf("constexpr int f(int n) { return f(n + 1); }\nconstexpr int a = f(0);\n");
+    EXPECT_TRUE(refused);
+    messagesOf("constexpr int g() { int n = 0; for (;;) ++n; return n; }\nconstexpr int b = g();\n");
+    EXPECT_TRUE(refused);
+    messagesOf("#define A B B B B B B B B\n#define B C C C C C C C C\n#define C D D D D D D D D\n#define D E E E E E E "
+               "E E\n#define E int;\nA\n");
+}
+
+TEST_F(HostileSource, MayNameSizesThatNoMachineHas)
+{
+    for (const char* words :
+         {"constant char a[1ull << 40] = {};", "constant int b[0x7FFFFFFF] = {1};",
+          "struct S { char c[1ull << 61]; }; S s;", "fragment float4 f() { float t[1 << 28]; t[0] = 1; return t[1]; }",
+          "fragment float4 g(constant float (&t)[1ull << 60] [[buffer(0)]]) { return t[5]; }"})
+        messagesOf(std::string("#include <metal_stdlib>\nusing namespace metal;\n") + words + "\n");
+    EXPECT_EQ(messagesOf("constant int used = 1;\n"), "");
+}
+
+TEST_F(HostileSource, HoldsNoAssemblerAndNoForeignCode)
+{
+    for (const char* words :
+         {"__asm__(\".incbin \\\"/etc/passwd\\\"\");", "fragment float4 f() { __asm__(\"hlt\"); return 0; }",
+          "extern \"C\" int system(const char*);\nfragment float4 f() { return float(system(\"ls\")); }",
+          "thread_local int t;\nfragment float4 f() { return float(t++); }"})
+    {
+        messagesOf(std::string("#include <metal_stdlib>\nusing namespace metal;\n") + words + "\n");
+        EXPECT_TRUE(refused) << words;
+    }
+}
+
+TEST_F(HostileSource, MayBeAnyBytes)
+{
+    std::string bytes;
+    for (int i = 1; i < 256; ++i)
+        bytes += static_cast<char>(i);
+    for (const std::string& source :
+         {bytes, std::string("\xEF\xBB\xBF"), std::string("\xFF\xFE\x00i", 4), std::string("\"") + bytes,
+          "R\"(" + bytes, std::string("\\"), std::string("/*"), std::string("#")})
+        messagesOf(source);
+    EXPECT_EQ(messagesOf("constant int used = 1;\n"), "");
+}
+
+} // namespace
+} // namespace device_test
