@@ -3,6 +3,7 @@
 // process.
 #include "softmetal/device/DeviceFixture.h"
 
+#include <array>
 #include <fstream>
 
 #include <unistd.h>
@@ -205,6 +206,57 @@ TEST_F(HostileSource, HoldsNoAssemblerAndNoForeignCode)
         messagesOf(std::string("#include <metal_stdlib>\nusing namespace metal;\n") + words + "\n");
         EXPECT_TRUE(refused) << words;
     }
+}
+
+// ---- what it is when it runs
+// ------------------------------------------------------------------------------------------------------
+
+/// Each is a body of a fragment function that gets its pixel's place p and a number n from a buffer.
+constexpr std::array Bodies = {
+    "if (p.x > 3) return p;", // and nothing otherwise
+    "__builtin_unreachable();",
+    "for (;;);",
+    "int* q = (int*)0x1234; *q = 3; return p;",
+    "int* q = 0; *q = int(p.x); return p;",
+    "return *(constant float4*)0x10;",
+    "constant int* q = &n; return float4(q[1000000000]) + float4(q[-1000000000]);",
+    "thread float a[4] = {1, 2, 3, 4}; return float4(a[n * 1000000], a[n - 1000000], a[n], 1);",
+    "thread float a[4] = {}; thread float* q = a; for (int i = 0; i < 4000; ++i) q[i * 997] = p.x; return "
+    "float4(a[0]);",
+    "return float4(n / (n - 7), n % (n - 7), 0, 1);",                   // by zero
+    "return float4((-2147483647 - 1) / (n - 8), 1 << (n + 60), 0, 1);", // beyond the largest number
+    "return float4(int(p.x * 1e30), uint(-p.x), 0, 1);",
+    "switch (n) { case 7: __builtin_unreachable(); default: return p; }",
+    "const_cast<int&>(static_cast<const int&>(n * 2)) = 5; return p;",
+};
+
+TEST_F(HostileSource, StaysInItsMemoryWhenItRuns)
+{
+    size_t ran = 0;
+    for (const char* body : Bodies) {
+        NS::Error* error = nullptr;
+        auto* program = owned(
+            device->newLibrary(text(std::string("#include <metal_stdlib>\nusing namespace metal;\nfragment float4 "
+                                                "f(float4 p [[position]], constant int& n [[buffer(2)]]) { ") +
+                                    body + " }\n"),
+                               nullptr, &error));
+        if (!program) continue;
+        auto* d = pipelineDescriptor();
+        d->setFragmentFunction(owned(program->newFunction(text("f"))));
+        auto* state = owned(device->newRenderPipelineState(d, &error));
+        if (!state) continue;
+        auto* e = encoder(texture());
+        e->setRenderPipelineState(state);
+        bindFullTarget(e);
+        const int n = 7;
+        e->setFragmentBytes(&n, sizeof n, 2);
+        drawFullTarget(e);
+        finish(e);
+        EXPECT_GE(commands->status(), MTL::CommandBufferStatusCompleted) << body; // done, or stopped
+        ++ran;
+    }
+    EXPECT_GE(ran, Bodies.size() / 2);
+    SoftMetal::takeMessages(); // of what it reached for
 }
 
 TEST_F(HostileSource, MayBeAnyBytes)

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <initializer_list>
 #include <map>
 #include <string>
@@ -131,21 +132,38 @@ TEST(Quota, SkipsLinesThatAreNotGroups)
 // ---- the affinity mask
 // ------------------------------------------------------------------------------------------------------------
 
+/// Leaves the calling thread, and those it makes, one processor of those it has.
+void keepOneProcessor()
+{
+    cpu_set_t all, one;
+    ASSERT_EQ(sched_getaffinity(0, sizeof all, &all), 0);
+    CPU_ZERO(&one);
+    for (int i = 0; i < CPU_SETSIZE && CPU_COUNT(&one) == 0; ++i)
+        if (CPU_ISSET(i, &all)) CPU_SET(i, &one);
+    ASSERT_EQ(sched_setaffinity(0, sizeof one, &one), 0);
+}
+
 TEST(Affinity, CountsTheProcessorsOfTheMask)
 {
     std::thread([] {
-        cpu_set_t all, one;
+        cpu_set_t all;
         ASSERT_EQ(sched_getaffinity(0, sizeof all, &all), 0);
         EXPECT_EQ(affinity(), static_cast<size_t>(CPU_COUNT(&all)));
-        CPU_ZERO(&one);
-        for (int i = 0; i < CPU_SETSIZE; ++i) {
-            if (!CPU_ISSET(i, &all)) continue;
-            CPU_SET(i, &one);
-            break;
-        }
-        ASSERT_EQ(sched_setaffinity(0, sizeof one, &one), 0);
+        keepOneProcessor();
         EXPECT_EQ(affinity(), 1u);
     }).join();
+}
+
+TEST(ThreadCountDeathTest, FollowsTheMask)
+{
+    GTEST_FLAG_SET(death_test_style, "threadsafe"); // a process in which nothing has been chosen yet
+    EXPECT_EXIT(
+        {
+            unsetenv("SOFTMETAL_THREADS");
+            keepOneProcessor();
+            std::exit(static_cast<int>(threadCount()));
+        },
+        testing::ExitedWithCode(1), "");
 }
 
 // ---- the choice
