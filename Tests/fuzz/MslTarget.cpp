@@ -27,7 +27,9 @@ shader::Compiler* open()
         [](const abi::Texture*, const abi::Sampler*, abi::SampleCall*, uint32_t) {},
         [](const abi::Texture*, abi::ReadCall*) {},
         [] {},
-        [](uint64_t, uint32_t) {}};
+        [](uint64_t, uint32_t) {},
+        [](const abi::Texture*, const abi::WriteCall*) {},
+        [](abi::AtomicCall*) {}};
     shader::Compiler* compiler = softmetal_open_compiler(&runtime, Lanes);
     fuzz::require(compiler != nullptr);
     return compiler;
