@@ -155,18 +155,30 @@ Texel atLevel(const Lane& lane, uint32_t level, bool linearFilter)
     return linearFilter ? linear(lane, image) : nearest(lane, image);
 }
 
-Texel filtered(const Lane& lane, float lod)
+/// What a level of detail means for a sampler: one level, or two with the weight of the second.
+struct Levels
+{
+    uint32_t first;
+    float weight;
+    bool linearFilter;
+};
+
+Levels levelsOf(const Lane& lane, float lod)
 {
     const Sampler& s = lane.sampler;
     bool linearFilter = (lod > 0 ? s.minFilter : s.magFilter) == Linear;
-    auto last = static_cast<float>(lane.texture.levelCount - 1);
-    if (s.mipFilter == MipNone) return atLevel(lane, 0, linearFilter);
-    float level = std::clamp(lod, 0.0f, last);
-    if (s.mipFilter != MipLinear) return atLevel(lane, static_cast<uint32_t>(std::ceil(level + 0.5f) - 1), linearFilter);
+    if (s.mipFilter == MipNone) return {0, 0, linearFilter};
+    float level = std::clamp(lod, 0.0f, static_cast<float>(lane.texture.levelCount - 1));
+    if (s.mipFilter != MipLinear) return {static_cast<uint32_t>(std::ceil(level + 0.5f) - 1), 0, linearFilter};
     float whole = std::floor(level);
-    auto first = static_cast<uint32_t>(whole);
-    Texel near = atLevel(lane, first, linearFilter);
-    return level == whole ? near : mix(near, atLevel(lane, first + 1, linearFilter), level - whole);
+    return {static_cast<uint32_t>(whole), level - whole, linearFilter};
+}
+
+Texel filtered(const Lane& lane, float lod)
+{
+    Levels l = levelsOf(lane, lod);
+    Texel near = atLevel(lane, l.first, l.linearFilter);
+    return l.weight == 0 ? near : mix(near, atLevel(lane, l.first + 1, l.linearFilter), l.weight);
 }
 
 // ---- level of detail ---------------------------------------------------------------------------------------------------
@@ -365,26 +377,33 @@ bool passes(uint8_t function, float reference, float value)
     }
 }
 
+/// The part of the texels around a place that pass, in one level.
+float compared(const Lane& lane, uint32_t level, bool linearFilter, float reference)
+{
+    const TextureLevel& image = lane.texture.levels[std::min(level, lane.texture.levelCount - 1)];
+    auto test = [&](const Texel& there) { return passes(lane.sampler.compareFunction, reference, there.c[0]) ? 1.0f : 0.0f; };
+    if (!linearFilter) return test(nearest(lane, image));
+    bool n = lane.sampler.normalizedCoordinates != 0;
+    Axis x = axis(scaled(lane.s, image.width, n), lane.offset[0]), y = axis(scaled(lane.t, image.height, n), lane.offset[1]);
+    auto row = [&](int64_t v) { return std::lerp(test(texel(lane, image, x.first, v, 0)), test(texel(lane, image, x.first + 1, v, 0)), x.weight); };
+    float top = row(y.first), low = row(y.first + 1);
+    return top + (low - top) * y.weight;
+}
+
 void sampleCompare(const Texture* texture, const Sampler* sampler, SampleCall* call)
 {
     if (nothingThere(texture, sampler)) return zeros(*call);
     Texel border = borderColor(*texture, *sampler, false);
+    const auto& access = *static_cast<const Access*>(texture->sampling);
+    bool quads = call->lodMode == LodMode::Gradient || (call->stage == 1 && call->lodMode != LodMode::Level);
     for (uint32_t i = 0; i < MaxLanes; ++i) {
         if (!(call->mask >> i & 1)) continue;
         Lane lane = laneAt(*texture, *sampler, *call, i, &border);
-        auto level = static_cast<uint32_t>(std::clamp(call->lodMode == LodMode::Level ? call->lod.f[i] : 0.0f, 0.0f, static_cast<float>(texture->levelCount - 1)));
-        const TextureLevel& image = texture->levels[level];
-        auto test = [&](int64_t x, int64_t y) { return passes(sampler->compareFunction, call->compare.f[i], texel(lane, image, x, y, 0).c[0]) ? 1.0f : 0.0f; };
-        bool n = sampler->normalizedCoordinates != 0;
-        Axis x = axis(scaled(lane.s, image.width, n), lane.offset[0]), y = axis(scaled(lane.t, image.height, n), lane.offset[1]);
-        float result = 0;
-        if (sampler->magFilter == Linear) {
-            float top = std::lerp(test(x.first, y.first), test(x.first + 1, y.first), x.weight);
-            float low = std::lerp(test(x.first, y.first + 1), test(x.first + 1, y.first + 1), x.weight);
-            result = top + (low - top) * y.weight;
-        } else {
-            result = passes(sampler->compareFunction, call->compare.f[i], nearest(lane, image).c[0]) ? 1.0f : 0.0f;
-        }
+        Footprint f{};
+        if (quads) f = footprint(*call, i, *texture, access, *sampler);
+        Levels l = levelsOf(lane, levelOfDetail(*call, i, *sampler, quads ? &f : nullptr));
+        float result = compared(lane, l.first, l.linearFilter, call->compare.f[i]);
+        if (l.weight != 0) result += (compared(lane, l.first + 1, l.linearFilter, call->compare.f[i]) - result) * l.weight;
         setResult(*call, i, Texel{{result, result, result, result}});
     }
 }

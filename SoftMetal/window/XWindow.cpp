@@ -149,8 +149,7 @@ xcb_atom_t XWindow::atom(const std::string& name) const
     return reply ? reply->atom : static_cast<xcb_atom_t>(XCB_ATOM_NONE);
 }
 
-// ---- pictures
-// ------------------------------------------------------------------------------------------------------------
+// ---- pictures ------------------------------------------------------------------------------------------------------
 
 void XWindow::show(const abi::Texture& picture)
 {

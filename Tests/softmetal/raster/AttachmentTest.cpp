@@ -84,8 +84,7 @@ TEST_F(Attachment, EightOfMixedFormatsTakeTheirOwnOutputs)
     EXPECT_EQ(texelOf<Value>(targets[7]), (Value{0.1f, 0.2f, 0.3f, 0.4f}));
 }
 
-// ---- load and clear
-// -----------------------------------------------------------------------------------------------------------
+// ---- load and clear ------------------------------------------------------------------------------------------------
 
 TEST_F(Attachment, ClearWritesTheColourInTheFormat)
 {
@@ -125,8 +124,7 @@ TEST_F(Attachment, LoadKeepsWhatIsThere)
     EXPECT_EQ(pixel(t, 2, 2), (Pixel{0, 255, 0, 255}));
 }
 
-// ---- parts of textures
-// ---------------------------------------------------------------------------------------------------------
+// ---- parts of textures ---------------------------------------------------------------------------------------------
 
 TEST_F(Attachment, LevelSliceAndPlaneAreThoseDrawnTo)
 {

@@ -105,8 +105,7 @@ TEST_F(Clip, CornersThatAreNoNumbersDrawNothing)
     }
 }
 
-// ---- interpolation
-// ------------------------------------------------------------------------------------------------------------
+// ---- interpolation -------------------------------------------------------------------------------------------------
 
 TEST_F(Clip, ValuesAreInterpolatedInSpaceAndOnTheScreen)
 {

@@ -92,8 +92,7 @@ TEST_F(Coverage, RectangleBetweenPixelCentresTakesItsUpperLeft)
     EXPECT_FALSE(picture.covered(5, 1) || picture.covered(2, 4));
 }
 
-// ---- kinds of primitives
-// ----------------------------------------------------------------------------------------------------
+// ---- kinds of primitives -------------------------------------------------------------------------------------------
 
 /// Seven corners that make sense for each kind.
 std::vector<Corner> zigzag()
@@ -181,8 +180,7 @@ TEST_F(Coverage, CullModeAndWindingChooseTheSide)
     }
 }
 
-// ---- draws
-// -----------------------------------------------------------------------------------------------------------------
+// ---- draws ---------------------------------------------------------------------------------------------------------
 
 TEST_F(Coverage, ScissorAndViewportLimitTheDraw)
 {

@@ -171,8 +171,7 @@ TEST_F(Depth, RangeOfTheViewportScalesAndTurnsIt)
     EXPECT_EQ(within(0.5, 0.5, 0.1f), 0.5f);
 }
 
-// ---- bias
-// ------------------------------------------------------------------------------------------------------------------
+// ---- bias ----------------------------------------------------------------------------------------------------------
 
 TEST_F(Depth, BiasCountsInStepsOfTheFormat)
 {
@@ -201,8 +200,7 @@ TEST_F(Depth, BiasFollowsTheSlopeAndIsClamped)
     EXPECT_NEAR(biased(0.3f, 0.05f), 0.03, 1e-6); // does not reach the clamp
 }
 
-// ---- stencil
-// -----------------------------------------------------------------------------------------------------------------
+// ---- stencil -------------------------------------------------------------------------------------------------------
 
 /// Eight operations on a stored 5, 0 and 255 with reference 9.
 TEST_F(Depth, StencilOperationsOnBothFormats)

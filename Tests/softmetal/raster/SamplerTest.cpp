@@ -27,6 +27,10 @@ fragment float4 flat2d(Out in [[stage_in]], texture2d<float> t [[texture(0)]], s
 {
     return t.sample(s, (e.origin + e.across * in.place.x + e.down * in.place.y).xy);
 }
+fragment float4 compared(Out in [[stage_in]], depth2d<float> t [[texture(0)]], sampler s [[sampler(0)]], constant Ends& e [[buffer(0)]])
+{
+    return t.sample_compare(s, (e.origin + e.across * in.place.x + e.down * in.place.y).xy, 0.5);
+}
 fragment float4 cube(Out in [[stage_in]], texturecube<float> t [[texture(0)]], sampler s [[sampler(0)]], constant Ends& e [[buffer(0)]])
 {
     return t.sample(s, (e.origin + e.across * in.place.x + e.down * in.place.y).xyz);
@@ -93,8 +97,7 @@ private:
     MTL::Library* made_ = nullptr;
 };
 
-// ---- addresses
-// -----------------------------------------------------------------------------------------------------------------
+// ---- addresses -----------------------------------------------------------------------------------------------------
 
 /// The texel's number that the rule gives; 0 for the border.
 int addressed(int i, int size, MTL::SamplerAddressMode mode)
@@ -190,8 +193,23 @@ TEST_F(Sampler, SwizzleTakesEachChannelFromAnyOther)
     }
 }
 
-// ---- levels
-// ---------------------------------------------------------------------------------------------------------------------
+TEST_F(Sampler, ViewHasASwizzleOfItsOwn)
+{
+    auto* d = textureDescriptor(1, 1, MTL::PixelFormatRGBA32Float);
+    d->setUsage(MTL::TextureUsageShaderRead | MTL::TextureUsagePixelFormatView);
+    auto* t = texture(d);
+    const Value texel = {2, 3, 4, 5};
+    t->replaceRegion(MTL::Region(0, 0, 1, 1), 0, texel.data(), sizeof texel);
+    auto* view = owned(t->newTextureView(
+        MTL::PixelFormatRGBA32Float, MTL::TextureType2D, NS::Range(0, 1), NS::Range(0, 1),
+        {MTL::TextureSwizzleAlpha, MTL::TextureSwizzleOne, MTL::TextureSwizzleRed, MTL::TextureSwizzleZero}));
+    ASSERT_NE(view, nullptr);
+    EXPECT_EQ(view->parentTexture(), t);
+    EXPECT_EQ(sampled("flat2d", view, state(described()), {{0.5f, 0.5f}, {}, {}}, 1).at(0, 0), (Value{5, 1, 2, 0}));
+    EXPECT_EQ(sampled("flat2d", t, state(described()), {{0.5f, 0.5f}, {}, {}}, 1).at(0, 0), texel);
+}
+
+// ---- levels --------------------------------------------------------------------------------------------------------
 
 TEST_F(Sampler, LevelFollowsTheSizeOfAPixel)
 {
@@ -267,8 +285,29 @@ TEST_F(Sampler, AnisotropyKeepsStripesApart)
     EXPECT_GT(contrast(16), 0.9);
 }
 
-// ---- cubes
-// ------------------------------------------------------------------------------------------------------------------------
+/// A comparison chooses its level as a sample does: each level holds another depth.
+TEST_F(Sampler, ComparisonsFollowTheLevelToo)
+{
+    auto* td = MTL::TextureDescriptor::texture2DDescriptor(MTL::PixelFormatDepth32Float, 64, 64, true);
+    td->setUsage(MTL::TextureUsageShaderRead);
+    auto* t = texture(td);
+    for (NS::UInteger level = 0; level < 7; ++level) {
+        std::vector<float> values((64 >> level) * (64 >> level), level < 3 ? 0.0f : 1.0f);
+        t->replaceRegion(MTL::Region(0, 0, 64 >> level, 64 >> level), level, values.data(), (64 >> level) * 4);
+    }
+    auto at = [&](float texels, MTL::SamplerMipFilter filter) {
+        auto* d = described();
+        d->setCompareFunction(MTL::CompareFunctionLess);
+        d->setMipFilter(filter);
+        return sampled("compared", t, state(d), {{0, 0}, {texels * 8 / 64, 0}, {0, texels * 8 / 64}}, 8, 8).at(3, 3)[0];
+    };
+    EXPECT_EQ(at(1, MTL::SamplerMipFilterNearest), 0);
+    EXPECT_EQ(at(16, MTL::SamplerMipFilterNearest), 1);
+    EXPECT_EQ(at(16, MTL::SamplerMipFilterNotMipmapped), 0);
+    EXPECT_NEAR(at(std::sqrt(32.0f), MTL::SamplerMipFilterLinear), 0.5, 1e-3); // halfway from level 2 to level 3
+}
+
+// ---- cubes ---------------------------------------------------------------------------------------------------------
 
 class CubeSampler : public Sampler
 {

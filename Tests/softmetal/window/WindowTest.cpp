@@ -181,8 +181,7 @@ TEST_F(Window, ConvertsOtherFormats)
     EXPECT_EQ(picture.rgb[(2 * 40 + 11) * 3 + 2], 11);
 }
 
-// ---- the user
-// ---------------------------------------------------------------------------------------------------------------
+// ---- the user ------------------------------------------------------------------------------------------------------
 
 TEST_F(Window, TellsOfTheMouse)
 {
@@ -238,8 +237,7 @@ TEST_F(Window, TellsOnceThatTheServerIsGone)
     EXPECT_EQ(SoftMetal::presented(layer).count, 1u);
 }
 
-// ---- sizes
-// ------------------------------------------------------------------------------------------------------------------
+// ---- sizes ---------------------------------------------------------------------------------------------------------
 
 void countChange(CFNotificationCenterRef, void* observer, CFStringRef, const void*, CFDictionaryRef)
 {
@@ -275,8 +273,7 @@ TEST_F(Window, FollowsTheSizeOfItsView)
         EXPECT_NE(event.kind, EventKind::Resized); // the caller knows
 }
 
-// ---- what is not there
-// --------------------------------------------------------------------------------------------------------
+// ---- what is not there ---------------------------------------------------------------------------------------------
 
 TEST_F(Window, GoesWithItsView)
 {

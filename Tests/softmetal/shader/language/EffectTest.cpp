@@ -106,8 +106,7 @@ TEST_F(Effects, DiscardedPixelsDoNothingAfterwards)
     EXPECT_EQ(words, (Words{Side * Side / 2}));
 }
 
-// ---- texels
-// ----------------------------------------------------------------------------------------------------------------
+// ---- texels --------------------------------------------------------------------------------------------------------
 
 TEST_F(Effects, TexelsAreWrittenInEachType)
 {
@@ -179,8 +178,7 @@ TEST_F(Effects, GatheredComparisonsAreThoseOfTheFourTexels)
                  });
 }
 
-// ---- coverage
-// ----------------------------------------------------------------------------------------------------------------
+// ---- coverage ------------------------------------------------------------------------------------------------------
 
 TEST_F(Effects, ClipDistancesCutWhereOneIsBelowZero)
 {
@@ -225,8 +223,7 @@ fragment Masked masked(Corner corner [[stage_in]], uint sample [[sample_id]])
         EXPECT_EQ(values[x], (x % 2 ? Value{0, 0, 0, 0} : Value{1, 0, 0, 1})) << x;
 }
 
-// ---- the rest of the library
-// ----------------------------------------------------------------------------------------------------
+// ---- the rest of the library ---------------------------------------------------------------------------------------
 
 TEST_F(Effects, StepsOfVectorsAndRangesOfNumbers)
 {
