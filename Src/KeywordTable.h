@@ -41,6 +41,7 @@ inline constexpr std::array kKeywordRows = std::to_array<KeywordRow>({
     {VERTEX_PROGRAM,   "vertex.position",                          "gl_Vertex", KEYWORD_ATTRIBUTE, -1},
     // Kept on purpose: [texcoord-index] the index is -1 although attributes 8 to 15 are read, so bit 31 of the mask is set.
     {VERTEX_PROGRAM,   "vertex.texcoord[#]",                       "a_texcoord#1", KEYWORD_ATTRIBUTE, -1},
+    // Kept on purpose: [vertex-color-unclamped] old GL clamps a vertex program's colours to [0, 1]; here they go on as they are.
     {VERTEX_PROGRAM,   "result.color",                             "result.color", KEYWORD_PLAIN, -1},
     {VERTEX_PROGRAM,   "result.color.primary",                     "result.color", KEYWORD_PLAIN, -1},
     {VERTEX_PROGRAM,   "result.color.secondary",                   "gl_FrontSecondaryColor", KEYWORD_PLAIN, -1},

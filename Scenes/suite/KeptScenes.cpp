@@ -354,6 +354,13 @@ void secondText(Stage& stage, const char*)
     glDrawElements(GL_TRIANGLE_STRIP, 4, GL_UNSIGNED_SHORT, nullptr);
 }
 
+void brightVertices(Stage& stage, const char*)
+{
+    stage.use("!!ARBvp1.0\nMOV result.position, vertex.attrib[0];\nMAD result.color, vertex.attrib[8], 4, -1.5;\nEND\n",
+              "!!ARBfp1.0\nMAD result.color, fragment.color, 0.25, 0.4;\nEND\n");
+    stage.rectangle({}, White);
+}
+
 // clang-format off
 constexpr SceneRow Rows[] = {
     {"kept-scissor",              scissored,             "", 2, 0, "no-scissor-test", ""},
@@ -386,6 +393,7 @@ constexpr SceneRow Rows[] = {
     {"kept-inverse-row",          inverseRow,            "DP4 r, state.matrix.modelview.inverse.row[0], vertex.attrib[8];", 2, 0, "modelview-inverse-row", ""},
     {"kept-texture-matrix-2",     thirdTextureMatrix,    "DP4 r, state.matrix.texture[2].row[2], vertex.attrib[8];", 2, 0, "texture-matrix-2", ""},
     {"kept-texture-stack",        texturesStackStays,    "DP4 r, state.matrix.texture[1].row[0], vertex.attrib[8];", 2, 0, "texture-stack-fixed-by-mode", ""},
+    {"kept-bright-vertices",      brightVertices,        "", 2, 0, "vertex-color-unclamped", ""},
     {"kept-second-text",          secondText,            "", 2, 0, "reload-keeps-pipeline", ""},
 };
 // clang-format on
