@@ -14,7 +14,7 @@ namespace fuzz::api
 class Arguments
 {
 public:
-    Arguments(World& world, Input& input) : world(world), input(input) {}
+    Arguments(World& w, Input& i) : world(w), input(i) {}
 
     /// An enumerant, an object's name or any bits.
     uint32_t word();
