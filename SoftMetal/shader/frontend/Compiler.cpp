@@ -14,12 +14,17 @@
 #include <chrono>
 #include <mutex>
 
-namespace softmetal::shader {
-namespace {
+namespace softmetal::shader
+{
+namespace
+{
 
 using Clock = std::chrono::steady_clock;
 
-double milliseconds(Clock::time_point since) { return std::chrono::duration<double, std::milli>(Clock::now() - since).count(); }
+double milliseconds(Clock::time_point since)
+{
+    return std::chrono::duration<double, std::milli>(Clock::now() - since).count();
+}
 
 /// A program with the lock of its LLVM context.
 struct Shared
@@ -31,11 +36,11 @@ struct Shared
 class FunctionImplementation final : public Function
 {
 public:
-    FunctionImplementation(std::shared_ptr<Shared> shared, std::unique_ptr<llvm::Module> module, FunctionReflection reflection,
-                           Generator& generator, CompileTimes times)
-        : shared_(std::move(shared)), module_(std::move(module)), reflection_(std::move(reflection)), generator_(generator), times_(times)
-    {
-    }
+    FunctionImplementation(std::shared_ptr<Shared> shared, std::unique_ptr<llvm::Module> module,
+                           FunctionReflection reflection, Generator& generator, CompileTimes times)
+        : shared_(std::move(shared)), module_(std::move(module)), reflection_(std::move(reflection)),
+          generator_(generator), times_(times)
+    {}
 
     ~FunctionImplementation() override
     {
@@ -44,8 +49,20 @@ public:
     }
 
     const FunctionReflection& reflection() const override { return reflection_; }
-    abi::VertexFunction vertexCode(std::string& error) override { return reinterpret_cast<abi::VertexFunction>(code(Stage::Vertex, error)); }
-    abi::FragmentFunction fragmentCode(std::string& error) override { return reinterpret_cast<abi::FragmentFunction>(code(Stage::Fragment, error)); }
+    abi::VertexFunction vertexCode(std::string& error) override
+    {
+        return reinterpret_cast<abi::VertexFunction>(code(Stage::Vertex, error));
+    }
+    abi::FragmentFunction fragmentCode(std::string& error) override
+    {
+        return reinterpret_cast<abi::FragmentFunction>(code(Stage::Fragment, error));
+    }
+
+    const MachineCode* machineCode() const override
+    {
+        std::lock_guard lock(shared_->mutex);
+        return code_ ? &code_->machineCode() : nullptr;
+    }
 
     CompileTimes times() const override
     {
@@ -92,7 +109,7 @@ void noteUses(const llvm::Module& module, FunctionReflection& reflection)
         return false;
     };
     for (BindingReflection& binding : reflection.bindings) {
-        std::string_view name = binding.kind == BindingKind::Buffer ? intrinsic::Buffer
+        std::string_view name = binding.kind == BindingKind::Buffer    ? intrinsic::Buffer
                                 : binding.kind == BindingKind::Texture ? intrinsic::Texture
                                                                        : intrinsic::Sampler;
         binding.used = usesIndex(name, binding.index, binding.count);
@@ -117,14 +134,16 @@ public:
     LibraryImplementation(std::unique_ptr<Program> program, Generator& generator, CompileTimes times)
         : shared_(std::make_shared<Shared>()), generator_(generator), times_(times)
     {
-        for (const Entry& entry : program->entries) described_.push_back(reflect(*program, entry, nullptr));
+        for (const Entry& entry : program->entries)
+            described_.push_back(reflect(*program, entry, nullptr));
         shared_->program = std::move(program);
     }
 
     std::vector<std::string> functionNames() const override
     {
         std::vector<std::string> names;
-        for (const FunctionReflection& function : described_) names.push_back(function.name);
+        for (const FunctionReflection& function : described_)
+            names.push_back(function.name);
         return names;
     }
 
@@ -135,7 +154,8 @@ public:
         return nullptr;
     }
 
-    std::shared_ptr<Function> specialise(std::string_view name, const std::vector<ConstantValue>& values, std::string& error) override
+    std::shared_ptr<Function> specialise(std::string_view name, const std::vector<ConstantValue>& values,
+                                         std::string& error) override
     {
         std::lock_guard lock(shared_->mutex);
         const Program& program = *shared_->program;
@@ -165,7 +185,8 @@ public:
         if (error = leftOver(*module); !error.empty()) return nullptr;
         FunctionReflection reflection = reflect(program, *entry, &constants);
         noteUses(*module, reflection);
-        return std::make_shared<FunctionImplementation>(shared_, std::move(module), std::move(reflection), generator_, times);
+        return std::make_shared<FunctionImplementation>(shared_, std::move(module), std::move(reflection), generator_,
+                                                        times);
     }
 
     CompileTimes times() const override { return times_; }
@@ -180,9 +201,12 @@ private:
 class CompilerImplementation final : public Compiler
 {
 public:
-    CompilerImplementation(std::unique_ptr<Generator> generator, uint32_t lanes) : generator_(std::move(generator)), lanes_(lanes) {}
+    CompilerImplementation(std::unique_ptr<Generator> generator, uint32_t lanes)
+        : generator_(std::move(generator)), lanes_(lanes)
+    {}
 
-    std::shared_ptr<Library> compile(std::string_view source, const CompileOptions& options, std::string& messages) override
+    std::shared_ptr<Library> compile(std::string_view source, const CompileOptions& options,
+                                     std::string& messages) override
     {
         auto start = Clock::now();
         std::unique_ptr<Program> program = parse(source, options, messages);
@@ -203,8 +227,8 @@ private:
 } // namespace softmetal::shader
 
 /// The one door of this shared object. The compiler lives to the end of the process.
-extern "C" __attribute__((visibility("default"))) softmetal::shader::Compiler* softmetal_open_compiler(const softmetal::abi::RuntimeTable* runtime,
-                                                                                                       uint32_t lanes)
+extern "C" __attribute__((visibility("default"))) softmetal::shader::Compiler*
+softmetal_open_compiler(const softmetal::abi::RuntimeTable* runtime, uint32_t lanes)
 {
     using namespace softmetal;
     bool known = runtime && runtime->version == abi::Version && (lanes == 4 || lanes == 8 || lanes == 16);
