@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// clang in process: sources and the precompiled standard header live in memory, and no file of the machine can be reached.
+// clang in process: sources and the precompiled standard header live in memory, and no file of the machine can be
+// reached.
 #include "shader/frontend/Attributes.h"
 #include "shader/frontend/Checks.h"
 #include "shader/frontend/ClangHeaders.h"
@@ -11,25 +12,52 @@
 #include <array>
 #include <mutex>
 
-namespace softmetal::shader {
-namespace {
+namespace softmetal::shader
+{
+namespace
+{
 
 constexpr const char* HeaderName = "/softmetal/standard.h";
 constexpr const char* PrecompiledName = "/softmetal/standard.pch";
 
 /// Headers that a program may name; their content is in the precompiled header already.
 constexpr std::array IncludeNames = {
-    "metal_stdlib",  "simd/simd.h",    "metal_math",     "metal_matrix",   "metal_geometric", "metal_common", "metal_texture",
-    "metal_graphics", "metal_integer", "metal_relational", "metal_types", "metal_pack",      "metal_array",
-    "metal_atomic",
+    "metal_stdlib", "simd/simd.h",   "metal_math",     "metal_matrix",  "metal_geometric",
+    "metal_common", "metal_texture", "metal_graphics", "metal_integer", "metal_relational",
+    "metal_types",  "metal_pack",    "metal_array",    "metal_atomic",
 };
 
 constexpr std::array CommonArguments = {
-    "-triple", "spir64-unknown-unknown", "-std=gnu++17", "-x", "c++", "-fdeclspec", "-ffp-contract=off",
-    "-cl-single-precision-constant", "-disable-llvm-passes", "-O2", "-disable-lifetime-markers", "-relaxed-aliasing",
-    "-fno-rtti", "-fno-threadsafe-statics", "-fwrapv", "-fno-strict-float-cast-overflow", "-ftrivial-auto-var-init=zero",
-    "-discard-value-names", "-nostdsysteminc", "-nobuiltininc", "-fbracket-depth", "1024", "-ferror-limit", "20",
-    "-Werror=unknown-attributes", "-Wno-user-defined-literals", "-Wno-unused-value", "-Wno-duplicate-decl-specifier", "-internal-isystem", "/softmetal/include",
+    "-triple",
+    "spir64-unknown-unknown",
+    "-std=gnu++17",
+    "-x",
+    "c++",
+    "-fdeclspec",
+    "-ffp-contract=off",
+    "-cl-single-precision-constant",
+    "-disable-llvm-passes",
+    "-O2",
+    "-disable-lifetime-markers",
+    "-relaxed-aliasing",
+    "-fno-rtti",
+    "-fno-threadsafe-statics",
+    "-fwrapv",
+    "-fno-strict-float-cast-overflow",
+    "-ftrivial-auto-var-init=zero",
+    "-discard-value-names",
+    "-nostdsysteminc",
+    "-nobuiltininc",
+    "-fbracket-depth",
+    "1024",
+    "-ferror-limit",
+    "20",
+    "-Werror=unknown-attributes",
+    "-Wno-user-defined-literals",
+    "-Wno-unused-value",
+    "-Wno-duplicate-decl-specifier",
+    "-internal-isystem",
+    "/softmetal/include",
 };
 
 using FileSystem = llvm::IntrusiveRefCntPtr<llvm::vfs::InMemoryFileSystem>;
@@ -40,13 +68,14 @@ void addFile(FileSystem& files, llvm::StringRef path, llvm::StringRef text)
 }
 
 /// A compiler instance on the files given, appending its diagnostics to messages.
-std::unique_ptr<clang::CompilerInstance> makeInstance(const FileSystem& files, const std::vector<const char*>& arguments, std::string& messages)
+std::unique_ptr<clang::CompilerInstance> makeInstance(const FileSystem& files,
+                                                      const std::vector<const char*>& arguments, std::string& messages)
 {
     auto instance = std::make_unique<clang::CompilerInstance>();
     auto options = llvm::makeIntrusiveRefCnt<clang::DiagnosticOptions>();
     options->ShowCarets = false; // or the number of errors goes to the host's standard error
-    llvm::IntrusiveRefCntPtr<clang::DiagnosticsEngine> diagnostics(
-        new clang::DiagnosticsEngine(llvm::makeIntrusiveRefCnt<clang::DiagnosticIDs>(), options, new Messages(messages)));
+    llvm::IntrusiveRefCntPtr<clang::DiagnosticsEngine> diagnostics(new clang::DiagnosticsEngine(
+        llvm::makeIntrusiveRefCnt<clang::DiagnosticIDs>(), options, new Messages(messages)));
     auto invocation = std::make_shared<clang::CompilerInvocation>();
     clang::CompilerInvocation::CreateFromArgs(*invocation, arguments, *diagnostics);
     invocation->getFrontendOpts().DisableFree = false;
@@ -67,8 +96,8 @@ protected:
     std::unique_ptr<clang::ASTConsumer> CreateASTConsumer(clang::CompilerInstance& instance, llvm::StringRef) override
     {
         auto extensions = instance.getFrontendOpts().ModuleFileExtensions;
-        return std::make_unique<clang::PCHGenerator>(instance.getPreprocessor(), instance.getModuleCache(), PrecompiledName, "", buffer_,
-                                                     extensions, false, false);
+        return std::make_unique<clang::PCHGenerator>(instance.getPreprocessor(), instance.getModuleCache(),
+                                                     PrecompiledName, "", buffer_, extensions, false, false);
     }
     clang::TranslationUnitKind getTranslationUnitKind() override { return clang::TU_Prefix; }
     bool hasASTFileSupport() const override { return false; }
@@ -90,7 +119,7 @@ struct StandardLibrary
         FileSystem files(new llvm::vfs::InMemoryFileSystem);
         addFile(files, HeaderName, text);
         std::vector<const char*> arguments(CommonArguments.begin(), CommonArguments.end());
-        arguments.insert(arguments.end(), {"-emit-pch", HeaderName});
+        arguments.insert(arguments.end(), {"-emit-pch", "-fpch-instantiate-templates", HeaderName});
         auto instance = makeInstance(files, arguments, messages);
         auto buffer = std::make_shared<clang::PCHBuffer>();
         PrecompileAction action(buffer);
@@ -124,11 +153,11 @@ class CompileAction final : public clang::EmitLLVMOnlyAction
 public:
     CompileAction(llvm::LLVMContext* context, const AttributeTable& attributes, Program& program)
         : EmitLLVMOnlyAction(context), attributes_(attributes), program_(program)
-    {
-    }
+    {}
 
 protected:
-    std::unique_ptr<clang::ASTConsumer> CreateASTConsumer(clang::CompilerInstance& instance, llvm::StringRef file) override
+    std::unique_ptr<clang::ASTConsumer> CreateASTConsumer(clang::CompilerInstance& instance,
+                                                          llvm::StringRef file) override
     {
         std::vector<std::unique_ptr<clang::ASTConsumer>> consumers;
         consumers.push_back(std::make_unique<Describe>(attributes_, program_));
@@ -148,7 +177,8 @@ FileSystem programFiles(const std::string& source)
     addFile(files, HeaderName, standard.text);
     addFile(files, PrecompiledName, standard.precompiled);
     addFile(files, SourceName, source);
-    for (const char* name : IncludeNames) addFile(files, std::string("/softmetal/include/") + name, "");
+    for (const char* name : IncludeNames)
+        addFile(files, std::string("/softmetal/include/") + name, "");
     return files;
 }
 
@@ -163,10 +193,12 @@ std::unique_ptr<Program> parse(std::string_view source, const CompileOptions& op
     }
     std::string text(source);
     std::vector<std::string> macros;
-    for (const auto& [name, value] : options.macros) macros.push_back("-D" + name + "=" + value);
+    for (const auto& [name, value] : options.macros)
+        macros.push_back("-D" + name + "=" + value);
     std::vector<const char*> arguments(CommonArguments.begin(), CommonArguments.end());
     arguments.insert(arguments.end(), {"-include-pch", PrecompiledName, "-fno-validate-pch", "-emit-llvm-only"});
-    for (const std::string& macro : macros) arguments.push_back(macro.c_str());
+    for (const std::string& macro : macros)
+        arguments.push_back(macro.c_str());
     arguments.push_back(SourceName);
 
     auto program = std::make_unique<Program>();
