@@ -10,6 +10,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -169,6 +170,11 @@ public:
     virtual std::shared_ptr<Library> compile(std::string_view source, const CompileOptions& options,
                                              std::string& messages) = 0;
     virtual uint32_t lanes() const = 0; // 4, 8 or 16
+    /// What the compiler makes for itself before its first program, to be given to the same compiler in another
+    /// process; empty before. It stays the compiler's.
+    virtual std::span<const uint8_t> preparation() const = 0;
+    /// Takes what another process prepared; of no effect when it does not fit, or after the first program.
+    virtual void prepare(std::vector<uint8_t> preparation) = 0;
 };
 
 /// The only symbol that libSoftMetalCompiler exports: "softmetal_open_compiler". Null when the version differs.

@@ -14,12 +14,48 @@ namespace
 std::atomic<uint64_t> parsed{0}, generated{0}, librariesFound{0}, functionsFound{0};
 
 /// What libraries and functions need of their compiler; they may outlive it.
-struct Behind
+class Behind
 {
-    OpenBehind open;
-    std::optional<Folder> folder;
-    Digest identity;
-    abi::RuntimeTable runtime;
+public:
+    Behind(OpenBehind open, std::optional<Folder> folderOrNone, const Digest& who, const abi::RuntimeTable& table)
+        : folder(std::move(folderOrNone)), identity(who), runtime(table), open_(std::move(open))
+    {}
+
+    /// Null with the reason in messages.
+    std::shared_ptr<Library> compile(std::string_view source, const CompileOptions& options,
+                                     std::string& messages) const
+    {
+        Compiler* compiler = open_(messages);
+        if (!compiler) return nullptr;
+        std::call_once(opened_, [&] { prepare(*compiler); });
+        auto library = compiler->compile(source, options, messages);
+        if (library) ++parsed;
+        if (library && unprepared_.exchange(false)) folder->write(preparationKey(), compiler->preparation());
+        return library;
+    }
+
+    const std::optional<Folder> folder;
+    const Digest identity;
+    const abi::RuntimeTable runtime;
+
+private:
+    void prepare(Compiler& compiler) const
+    {
+        if (!folder) return;
+        auto preparation = folder->read(preparationKey());
+        unprepared_ = !preparation;
+        if (preparation) compiler.prepare(std::move(*preparation));
+    }
+
+    Digest preparationKey() const
+    {
+        Digester all;
+        return all.add("preparation").add(identity).finish();
+    }
+
+    OpenBehind open_;
+    mutable std::once_flag opened_;
+    mutable std::atomic<bool> unprepared_{false}; // the compiler prepares itself, which is to be kept
 };
 
 bool isOfStage(const FunctionReflection& reflection, Stage stage, std::string& error)
@@ -160,13 +196,9 @@ private:
     {
         std::lock_guard lock(mutex_);
         if (made_) return made_;
-        Compiler* compiler = behind_->open(error);
         std::string messages;
-        made_ = compiler ? compiler->compile(source_, options_, messages) : nullptr;
-        if (made_)
-            ++parsed;
-        else if (compiler)
-            error = messages;
+        made_ = behind_->compile(source_, options_, messages);
+        if (!made_) error = messages;
         return made_;
     }
 
@@ -182,10 +214,11 @@ private:
 class StoredCompiler final : public Compiler
 {
 public:
-    StoredCompiler(Behind behind, uint32_t lanes)
-        : behind_(std::make_shared<const Behind>(std::move(behind))), lanes_(lanes)
-    {}
+    StoredCompiler(std::shared_ptr<const Behind> behind, uint32_t lanes) : behind_(std::move(behind)), lanes_(lanes) {}
     uint32_t lanes() const override { return lanes_; }
+
+    std::span<const uint8_t> preparation() const override { return {}; }
+    void prepare(std::vector<uint8_t>) override {} // the compiler behind is prepared from the folder
 
     std::shared_ptr<Library> compile(std::string_view source, const CompileOptions& options,
                                      std::string& messages) override
@@ -196,10 +229,8 @@ public:
             return std::make_shared<StoredLibrary>(behind_, key, std::move(record->functions), source, options,
                                                    nullptr);
         }
-        Compiler* compiler = behind_->open(messages);
-        std::shared_ptr<Library> made = compiler ? compiler->compile(source, options, messages) : nullptr;
+        std::shared_ptr<Library> made = behind_->compile(source, options, messages);
         if (!made) return nullptr;
-        ++parsed;
         LibraryRecord record{messages, {}};
         for (const std::string& name : made->functionNames())
             record.functions.push_back(*made->describe(name));
@@ -240,7 +271,8 @@ CompileCounts compileCounts()
 std::unique_ptr<Compiler> makeStoredCompiler(OpenBehind behind, std::optional<Folder> folder, const Digest& identity,
                                              const abi::RuntimeTable& runtime, uint32_t lanes)
 {
-    return std::make_unique<StoredCompiler>(Behind{std::move(behind), std::move(folder), identity, runtime}, lanes);
+    return std::make_unique<StoredCompiler>(
+        std::make_shared<const Behind>(std::move(behind), std::move(folder), identity, runtime), lanes);
 }
 
 } // namespace softmetal::shader

@@ -216,6 +216,10 @@ public:
         return std::make_shared<LibraryImplementation>(std::move(program), *generator_, times);
     }
 
+    std::span<const uint8_t> preparation() const override { return shader::preparation(); }
+
+    void prepare(std::vector<uint8_t> preparation) override { shader::prepare(std::move(preparation)); }
+
     uint32_t lanes() const override { return lanes_; }
 
 private:

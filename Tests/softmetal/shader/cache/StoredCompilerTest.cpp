@@ -17,6 +17,7 @@ struct Counted
 {
     int opened = 0, parsed = 0, specialised = 0, generated = 0;
     bool missing = false;
+    std::string prepared; // what the compiler was given
 };
 
 /// Vertex functions whose code is one return; their reflection tells the constants that were given.
@@ -79,6 +80,11 @@ class CountedCompiler final : public Compiler
 public:
     explicit CountedCompiler(Counted& counted) : counted_(counted) {}
     uint32_t lanes() const override { return 8; }
+    std::span<const uint8_t> preparation() const override { return preparation_; }
+    void prepare(std::vector<uint8_t> preparation) override
+    {
+        counted_.prepared.assign(preparation.begin(), preparation.end());
+    }
     std::shared_ptr<Library> compile(std::string_view source, const CompileOptions&, std::string& messages) override
     {
         ++counted_.parsed;
@@ -88,6 +94,7 @@ public:
 
 private:
     Counted& counted_;
+    std::vector<uint8_t> preparation_ = {'h', 'e', 'a', 'd'};
 };
 
 class StoredCompiler : public ::testing::Test
@@ -247,10 +254,32 @@ TEST_F(StoredCompiler, WhatWasCompiledRunsWithoutTheCompiler)
     EXPECT_EQ(error, "there is no compiler");
 }
 
+TEST_F(StoredCompiler, PreparationIsForTheNextProcess)
+{
+    run(*another());
+    EXPECT_EQ(counted.prepared, "");
+    run(*another(), "new text");
+    EXPECT_EQ(counted.prepared, "head");
+    counted.prepared.clear();
+    run(*another(1), "new text"); // another compiler
+    EXPECT_EQ(counted.prepared, "");
+}
+
+TEST_F(StoredCompiler, PreparationIsKeptByTheFirstThatCompiles)
+{
+    EXPECT_FALSE(run(*another(), "wrong"));
+    EXPECT_TRUE(entries(place.path()).empty());
+    auto compiler = another();
+    EXPECT_FALSE(run(*compiler, "wrong"));
+    EXPECT_TRUE(run(*compiler));
+    run(*another(), "new text");
+    EXPECT_EQ(counted.prepared, "head");
+}
+
 TEST_F(StoredCompiler, DamagedFilesAreCompiledAnew)
 {
     run(*another());
-    ASSERT_EQ(entries(place.path()).size(), 2u);
+    ASSERT_EQ(entries(place.path()).size(), 3u);
     for (const auto& file : entries(place.path()))
         damage(file, std::filesystem::file_size(file) - 1);
     EXPECT_TRUE(run(*another()));
@@ -273,7 +302,7 @@ TEST_F(StoredCompiler, FunctionsOutliveTheirCompiler)
     auto function = compiler->compile("text", {}, messages)->specialise("main", {}, error);
     compiler.reset();
     EXPECT_TRUE(function->vertexCode(error));
-    EXPECT_EQ(entries(place.path()).size(), 2u);
+    EXPECT_EQ(entries(place.path()).size(), 3u);
 }
 
 TEST_F(StoredCompiler, CountsWhatItDoes)
