@@ -7,6 +7,7 @@
 #include "inspect/Inspect.h"
 #include "inspect/ShaderFaults.h"
 #include "shader/Loader.h"
+#include "shader/cache/StoredCompiler.h"
 #include "texturing/Sampling.h"
 
 #include <algorithm>
@@ -14,7 +15,8 @@
 
 using namespace softmetal;
 
-namespace {
+namespace
+{
 
 using inspect::arg;
 using inspect::note;
@@ -23,8 +25,14 @@ using inspect::Rule;
 
 constexpr NS::UInteger DefaultQueueLimit = 64; // command buffers that are not completed
 
-DeviceObject* self(const MTL::Device* device) { return cast<DeviceObject>(device); }
-const void* pointer(const void* object) { return object; }
+DeviceObject* self(const MTL::Device* device)
+{
+    return cast<DeviceObject>(device);
+}
+const void* pointer(const void* object)
+{
+    return object;
+}
 
 uint32_t laneCount()
 {
@@ -36,7 +44,7 @@ uint32_t laneCount()
     return count;
 }
 
-shader::Compiler* compiler(std::string& error)
+shader::Compiler& compiler()
 {
     static const abi::RuntimeTable runtime = [] {
         abi::RuntimeTable table = texturing::runtimeTable();
@@ -46,10 +54,13 @@ shader::Compiler* compiler(std::string& error)
         texturing::setOutsideTexelHandler(inspect::noteOutsideTexture);
         return table;
     }();
-    return shader::openCompiler(runtime, laneCount(), error);
+    return shader::theCompiler(runtime, laneCount());
 }
 
-std::string textOfObject(const NS::Object* object) { return object ? castObject(object)->description() : std::string(); }
+std::string textOfObject(const NS::Object* object)
+{
+    return object ? castObject(object)->description() : std::string();
+}
 
 shader::CompileOptions optionsOf(const MTL::CompileOptions* options)
 {
@@ -58,11 +69,15 @@ shader::CompileOptions optionsOf(const MTL::CompileOptions* options)
     result.fastMath = options->fastMathEnabled();
     NS::Dictionary* macros = options->preprocessorMacros();
     auto* keys = macros ? macros->keyEnumerator<NS::Object>() : nullptr;
-    while (NS::Object* key = keys ? keys->nextObject() : nullptr) result.macros.emplace_back(textOfObject(key), textOfObject(macros->object<NS::Object>(key)));
+    while (NS::Object* key = keys ? keys->nextObject() : nullptr)
+        result.macros.emplace_back(textOfObject(key), textOfObject(macros->object<NS::Object>(key)));
     return result;
 }
 
-bool sensible(NS::UInteger length) { return require(length > 0 && length <= LargestBuffer, Rule::BufferLength, length, LargestBuffer); }
+bool sensible(NS::UInteger length)
+{
+    return require(length > 0 && length <= LargestBuffer, Rule::BufferLength, length, LargestBuffer);
+}
 
 void noteBuffer(const MTL::Device* device, NS::UInteger length, MTL::ResourceOptions options, const MTL::Buffer* result)
 {
@@ -73,7 +88,8 @@ MTL::Buffer* makeBuffer(const MTL::Device* device, NS::UInteger length, MTL::Res
 {
     MTL::Buffer* result = nullptr;
     try {
-        if (!inspect::fails("newBuffer") && sensible(length)) result = api(new BufferObject(self(device), length, options));
+        if (!inspect::fails("newBuffer") && sensible(length))
+            result = api(new BufferObject(self(device), length, options));
     } catch (const std::bad_alloc&) {
         result = nullptr;
     }
@@ -83,22 +99,30 @@ MTL::Buffer* makeBuffer(const MTL::Device* device, NS::UInteger length, MTL::Res
 
 } // namespace
 
-MTL::CommandQueue* MTL::Device::newCommandQueue() { return newCommandQueue(DefaultQueueLimit); }
+MTL::CommandQueue* MTL::Device::newCommandQueue()
+{
+    return newCommandQueue(DefaultQueueLimit);
+}
 
 MTL::CommandQueue* MTL::Device::newCommandQueue(NS::UInteger maxCommandBufferCount)
 {
     CommandQueueObject* queue = nullptr;
     if (!inspect::fails("newCommandQueue")) {
         laneCount();
-        queue = new CommandQueueObject(self(this), makeQueueThread(self(this)->discards), std::max<NS::UInteger>(maxCommandBufferCount, 1));
+        queue = new CommandQueueObject(self(this), makeQueueThread(self(this)->discards),
+                                       std::max<NS::UInteger>(maxCommandBufferCount, 1));
     }
     note(this, "newCommandQueue", arg("limit", maxCommandBufferCount), arg("result", pointer(api(queue))));
     return api(queue);
 }
 
-// ---- resources ----------------------------------------------------------------------------------------------------------------
+// ---- resources
+// ----------------------------------------------------------------------------------------------------------------
 
-MTL::Buffer* MTL::Device::newBuffer(NS::UInteger length, ResourceOptions options) { return makeBuffer(this, length, options); }
+MTL::Buffer* MTL::Device::newBuffer(NS::UInteger length, ResourceOptions options)
+{
+    return makeBuffer(this, length, options);
+}
 
 MTL::Buffer* MTL::Device::newBuffer(const void* bytes, NS::UInteger length, ResourceOptions options)
 {
@@ -110,46 +134,58 @@ MTL::Buffer* MTL::Device::newBuffer(const void* bytes, NS::UInteger length, Reso
     return result;
 }
 
-MTL::Buffer* MTL::Device::newBuffer(const void* bytes, NS::UInteger length, ResourceOptions options, const std::function<void(void*, NS::UInteger)>& deallocator)
+MTL::Buffer* MTL::Device::newBuffer(const void* bytes, NS::UInteger length, ResourceOptions options,
+                                    const std::function<void(void*, NS::UInteger)>& deallocator)
 {
     MTL::Buffer* result = nullptr;
     if (!inspect::fails("newBuffer") && require(bytes != nullptr, Rule::BufferNilBytes, length) && sensible(length))
-        result = api(new BufferObject(self(this), const_cast<void*>(bytes), length, options, deallocator)); // the API's own signature: the memory is written
+        result = api(new BufferObject(self(this), const_cast<void*>(bytes), length, options,
+                                      deallocator)); // the API's own signature: the memory is written
     noteBuffer(this, length, options, result);
     return result;
 }
 
 MTL::Texture* MTL::Device::newTexture(const TextureDescriptor* descriptor)
 {
-    if (inspect::fails("newTexture") || !require(descriptor != nullptr, Rule::DeviceNilDescriptor, "newTexture")) return nullptr;
+    if (inspect::fails("newTexture") || !require(descriptor != nullptr, Rule::DeviceNilDescriptor, "newTexture"))
+        return nullptr;
     const auto& d = *cast<TextureDescriptorObject>(descriptor);
     TextureObject* texture = TextureObject::make(self(this), d);
-    note(this, "newTexture", arg("type", d.textureType), arg("format", d.pixelFormat), arg("width", d.width), arg("height", d.height), arg("depth", d.depth),
-         arg("levels", d.mipmapLevelCount), arg("storage", d.storageMode), arg("usage", d.usage), arg("result", pointer(api(texture))));
+    note(this, "newTexture", arg("type", d.textureType), arg("format", d.pixelFormat), arg("width", d.width),
+         arg("height", d.height), arg("depth", d.depth), arg("levels", d.mipmapLevelCount),
+         arg("storage", d.storageMode), arg("usage", d.usage), arg("result", pointer(api(texture))));
     return api(texture);
 }
 
-// ---- states -------------------------------------------------------------------------------------------------------------------
+// ---- states
+// -------------------------------------------------------------------------------------------------------------------
 
 MTL::SamplerState* MTL::Device::newSamplerState(const SamplerDescriptor* descriptor)
 {
-    if (inspect::fails("newSamplerState") || !require(descriptor != nullptr, Rule::DeviceNilDescriptor, "newSamplerState")) return nullptr;
+    if (inspect::fails("newSamplerState") ||
+        !require(descriptor != nullptr, Rule::DeviceNilDescriptor, "newSamplerState"))
+        return nullptr;
     const auto& d = *cast<SamplerDescriptorObject>(descriptor);
     MTL::SamplerState* result = api(new SamplerStateObject(self(this), d));
-    note(this, "newSamplerState", arg("minFilter", d.minFilter), arg("magFilter", d.magFilter), arg("mipFilter", d.mipFilter), arg("s", d.sAddressMode), arg("t", d.tAddressMode),
-         arg("r", d.rAddressMode), arg("normalized", d.normalizedCoordinates), arg("anisotropy", d.maxAnisotropy), arg("border", d.borderColor), arg("lodMin", d.lodMinClamp),
-         arg("lodMax", d.lodMaxClamp), arg("result", pointer(result)));
+    note(this, "newSamplerState", arg("minFilter", d.minFilter), arg("magFilter", d.magFilter),
+         arg("mipFilter", d.mipFilter), arg("s", d.sAddressMode), arg("t", d.tAddressMode), arg("r", d.rAddressMode),
+         arg("normalized", d.normalizedCoordinates), arg("anisotropy", d.maxAnisotropy), arg("border", d.borderColor),
+         arg("lodMin", d.lodMinClamp), arg("lodMax", d.lodMaxClamp), arg("result", pointer(result)));
     return result;
 }
 
-namespace {
+namespace
+{
 
 /// What a face's stencil test says; a face without one has the descriptor's defaults.
-void noteStencil(std::vector<SoftMetal::LogArgument>& arguments, const std::string& face, const softmetal::Object* stencil)
+void noteStencil(std::vector<SoftMetal::LogArgument>& arguments, const std::string& face,
+                 const softmetal::Object* stencil)
 {
     const auto* s = dynamic_cast<const StencilDescriptorObject*>(stencil);
     if (!s) return;
-    auto add = [&](const char* name, uint64_t value) { arguments.push_back({face + name, static_cast<double>(value), nullptr, {}}); };
+    auto add = [&](const char* name, uint64_t value) {
+        arguments.push_back({face + name, static_cast<double>(value), nullptr, {}});
+    };
     add("Compare", s->stencilCompareFunction);
     add("Fail", s->stencilFailureOperation);
     add("DepthFail", s->depthFailureOperation);
@@ -162,11 +198,14 @@ void noteStencil(std::vector<SoftMetal::LogArgument>& arguments, const std::stri
 
 MTL::DepthStencilState* MTL::Device::newDepthStencilState(const DepthStencilDescriptor* descriptor)
 {
-    if (inspect::fails("newDepthStencilState") || !require(descriptor != nullptr, Rule::DeviceNilDescriptor, "newDepthStencilState")) return nullptr;
+    if (inspect::fails("newDepthStencilState") ||
+        !require(descriptor != nullptr, Rule::DeviceNilDescriptor, "newDepthStencilState"))
+        return nullptr;
     const auto& d = *cast<DepthStencilDescriptorObject>(descriptor);
     MTL::DepthStencilState* result = api(new DepthStencilStateObject(self(this), d));
     if (!inspect::logging()) return result;
-    std::vector<SoftMetal::LogArgument> arguments{arg("compare", d.depthCompareFunction), arg("write", d.depthWriteEnabled), arg("result", pointer(result))};
+    std::vector<SoftMetal::LogArgument> arguments{arg("compare", d.depthCompareFunction),
+                                                  arg("write", d.depthWriteEnabled), arg("result", pointer(result))};
     noteStencil(arguments, "front", d.frontFaceStencil.get());
     noteStencil(arguments, "back", d.backFaceStencil.get());
     inspect::logCall(this, "newDepthStencilState", std::move(arguments));
@@ -181,7 +220,8 @@ MTL::Fence* MTL::Device::newFence()
     return result;
 }
 
-// ---- programs -----------------------------------------------------------------------------------------------------------------
+// ---- programs
+// -----------------------------------------------------------------------------------------------------------------
 
 MTL::Library* MTL::Device::newLibrary(const NS::String* source, const CompileOptions* options, NS::Error** error)
 {
@@ -192,31 +232,39 @@ MTL::Library* MTL::Device::newLibrary(const NS::String* source, const CompileOpt
         messages = "the library could not be made (injected fault)";
     } else if (!source) {
         messages = "the source must not be nil";
-    } else if (shader::Compiler* opened = compiler(messages)) {
-        messages.clear();
-        library = opened->compile(textOf(source), optionsOf(options), messages);
+    } else {
+        library = compiler().compile(textOf(source), optionsOf(options), messages);
     }
     LibraryObject* result = library ? new LibraryObject(self(this), std::move(library)) : nullptr;
-    if (inspect::logging()) note(this, "newLibrary", arg("source", textOf(source)), arg("result", pointer(api(result))));
+    if (inspect::logging())
+        note(this, "newLibrary", arg("source", textOf(source)), arg("result", pointer(api(result))));
     if (!result) report(error, "MTLLibraryErrorDomain", LibraryErrorCompileFailure, messages);
     return api(result);
 }
 
-MTL::Library* MTL::Device::newDefaultLibrary() { return nullptr; } // a process on this platform carries none
+MTL::Library* MTL::Device::newDefaultLibrary()
+{
+    return nullptr;
+} // a process on this platform carries none
 
-namespace {
+namespace
+{
 
 /// Formats, and for each colour attachment that was asked for its blending: "writeMask2" is that of attachment 2.
-void notePipeline(const MTL::Device* device, const RenderPipelineDescriptorObject& d, const MTL::RenderPipelineState* result)
+void notePipeline(const MTL::Device* device, const RenderPipelineDescriptorObject& d,
+                  const MTL::RenderPipelineState* result)
 {
     if (!inspect::logging()) return;
-    std::vector<SoftMetal::LogArgument> arguments{arg("result", pointer(result)), arg("vertexFunction", static_cast<const void*>(d.vertexFunction.get())),
-                                                  arg("fragmentFunction", static_cast<const void*>(d.fragmentFunction.get())),
-                                                  arg("depthFormat", d.depthAttachmentPixelFormat), arg("stencilFormat", d.stencilAttachmentPixelFormat)};
+    std::vector<SoftMetal::LogArgument> arguments{
+        arg("result", pointer(result)), arg("vertexFunction", static_cast<const void*>(d.vertexFunction.get())),
+        arg("fragmentFunction", static_cast<const void*>(d.fragmentFunction.get())),
+        arg("depthFormat", d.depthAttachmentPixelFormat), arg("stencilFormat", d.stencilAttachmentPixelFormat)};
     for (size_t i = 0; i < d.colorAttachments->size(); ++i) {
         const auto* c = d.colorAttachments->known(i);
         if (!c) continue;
-        auto add = [&](const char* name, uint64_t value) { arguments.push_back({name + std::to_string(i), static_cast<double>(value), nullptr, {}}); };
+        auto add = [&](const char* name, uint64_t value) {
+            arguments.push_back({name + std::to_string(i), static_cast<double>(value), nullptr, {}});
+        };
         add("format", c->pixelFormat);
         add("blending", c->blendingEnabled);
         add("rgbOperation", c->rgbBlendOperation);
@@ -232,22 +280,29 @@ void notePipeline(const MTL::Device* device, const RenderPipelineDescriptorObjec
 
 } // namespace
 
-MTL::RenderPipelineState* MTL::Device::newRenderPipelineState(const RenderPipelineDescriptor* descriptor, NS::Error** error)
+MTL::RenderPipelineState* MTL::Device::newRenderPipelineState(const RenderPipelineDescriptor* descriptor,
+                                                              NS::Error** error)
 {
     std::string why;
     inspect::BuildTime time("pipeline state");
     RenderPipelineStateObject* state = nullptr;
-    if (inspect::fails("newRenderPipelineState")) why = "the pipeline state could not be made (injected fault)";
-    else if (!descriptor) why = "the descriptor must not be nil";
-    else state = RenderPipelineStateObject::make(self(this), *cast<RenderPipelineDescriptorObject>(descriptor), why);
+    if (inspect::fails("newRenderPipelineState"))
+        why = "the pipeline state could not be made (injected fault)";
+    else if (!descriptor)
+        why = "the descriptor must not be nil";
+    else
+        state = RenderPipelineStateObject::make(self(this), *cast<RenderPipelineDescriptorObject>(descriptor), why);
     if (descriptor) notePipeline(this, *cast<RenderPipelineDescriptorObject>(descriptor), api(state));
-    if (state) inspect::count(inspect::counters.pipelines);
-    else report(error, "MTLRenderPipelineErrorDomain", 1, why);
+    if (state)
+        inspect::count(inspect::counters.pipelines);
+    else
+        report(error, "MTLRenderPipelineErrorDomain", 1, why);
     return api(state);
 }
 
 // The work is done before the call returns, which callers of these calls cannot tell from a quick machine.
-void MTL::Device::newLibrary(const NS::String* source, const CompileOptions* options, const NewLibraryCompletionHandlerFunction& completionHandler)
+void MTL::Device::newLibrary(const NS::String* source, const CompileOptions* options,
+                             const NewLibraryCompletionHandlerFunction& completionHandler)
 {
     NS::Error* error = nullptr;
     MTL::Library* library = newLibrary(source, options, &error);
@@ -255,7 +310,8 @@ void MTL::Device::newLibrary(const NS::String* source, const CompileOptions* opt
     if (library) library->release();
 }
 
-void MTL::Device::newRenderPipelineState(const RenderPipelineDescriptor* descriptor, const NewRenderPipelineStateCompletionHandlerFunction& completionHandler)
+void MTL::Device::newRenderPipelineState(const RenderPipelineDescriptor* descriptor,
+                                         const NewRenderPipelineStateCompletionHandlerFunction& completionHandler)
 {
     NS::Error* error = nullptr;
     MTL::RenderPipelineState* state = newRenderPipelineState(descriptor, &error);
@@ -263,8 +319,18 @@ void MTL::Device::newRenderPipelineState(const RenderPipelineDescriptor* descrip
     if (state) state->release();
 }
 
-namespace SoftMetal {
+namespace SoftMetal
+{
 
-uint32_t lanes() { return laneCount(); }
+uint32_t lanes()
+{
+    return laneCount();
+}
+
+ShaderWork shaderWork()
+{
+    shader::CompileCounts counts = shader::compileCounts();
+    return {counts.parsed, counts.generated, counts.librariesFound, counts.functionsFound};
+}
 
 } // namespace SoftMetal

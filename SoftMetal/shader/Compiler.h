@@ -1,22 +1,46 @@
 // SPDX-License-Identifier: Apache-2.0
 // The door to the shader compiler. The compiler lives in a shared object of its own (libSoftMetalCompiler), opened
-// with local symbol visibility when the first library is compiled; this header is all that both sides share, and it
-// names nothing of clang or LLVM. Both sides are built from one tree by one compiler, so standard types may cross.
+// with local symbol visibility when something is compiled that the disk does not know (cache/). This header and what it
+// includes are all that both sides share, and they name nothing of clang or LLVM. Both sides are built from one tree by
+// one compiler, so standard types may cross.
 #pragma once
 
+#include "shader/MachineCode.h"
 #include "shader/abi.h"
 
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
-namespace softmetal::shader {
+namespace softmetal::shader
+{
 
-enum class Stage : uint8_t { Vertex, Fragment };
-enum class ScalarType : uint8_t { Float, Half, Int, UInt, Short, UShort, Char, UChar, Bool };
-enum class Interpolation : uint8_t { Perspective, NoPerspective, Flat };
+enum class Stage : uint8_t
+{
+    Vertex,
+    Fragment
+};
+enum class ScalarType : uint8_t
+{
+    Float,
+    Half,
+    Int,
+    UInt,
+    Short,
+    UShort,
+    Char,
+    UChar,
+    Bool
+};
+enum class Interpolation : uint8_t
+{
+    Perspective,
+    NoPerspective,
+    Flat
+};
 
 /// A vertex attribute as the function declares it.
 struct AttributeReflection
@@ -38,7 +62,12 @@ struct VaryingReflection
     uint32_t firstComponent; // vertex: index into VertexOutput::component; fragment: index into FragmentInput::planes
 };
 
-enum class BindingKind : uint8_t { Buffer, Texture, Sampler };
+enum class BindingKind : uint8_t
+{
+    Buffer,
+    Texture,
+    Sampler
+};
 
 struct BindingReflection
 {
@@ -69,9 +98,9 @@ struct FunctionReflection
     std::vector<BindingReflection> bindings;
     std::vector<ConstantReflection> constants;
     bool hasPosition = false;
-    int32_t pointSizeComponent = -1; // vertex: index into VertexOutput::component
+    int32_t pointSizeComponent = -1;               // vertex: index into VertexOutput::component
     uint32_t clipComponent = 0, clipDistances = 0; // vertex: the first of them, and how many there are
-    uint32_t colorOutputs = 0;       // bit n: [[color(n)]] is written
+    uint32_t colorOutputs = 0;                     // bit n: [[color(n)]] is written
     ScalarType colorTypes[abi::MaxColorOutputs] = {};
     uint32_t colorComponents[abi::MaxColorOutputs] = {};
     bool writesDepth = false;
@@ -106,6 +135,8 @@ public:
     /// Machine code for the process's lane count, made on the first call. Null with a message in error on failure.
     virtual abi::VertexFunction vertexCode(std::string& error) = 0;
     virtual abi::FragmentFunction fragmentCode(std::string& error) = 0;
+    /// The code as data, null until it has been made.
+    virtual const MachineCode* machineCode() const = 0;
     virtual CompileTimes times() const = 0;
 };
 
@@ -139,6 +170,11 @@ public:
     virtual std::shared_ptr<Library> compile(std::string_view source, const CompileOptions& options,
                                              std::string& messages) = 0;
     virtual uint32_t lanes() const = 0; // 4, 8 or 16
+    /// What the compiler makes for itself before its first program, to be given to the same compiler in another
+    /// process; empty before. It stays the compiler's.
+    virtual std::span<const uint8_t> preparation() const = 0;
+    /// Takes what another process prepared; of no effect when it does not fit, or after the first program.
+    virtual void prepare(std::vector<uint8_t> preparation) = 0;
 };
 
 /// The only symbol that libSoftMetalCompiler exports: "softmetal_open_compiler". Null when the version differs.

@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-// Opens the compiler's shared object when the first library is compiled. Its symbols stay local, since a host process may
-// hold another LLVM.
+// Opens the compiler's shared object when something is compiled that the disk does not know. Its symbols stay local,
+// since a host process may hold another LLVM.
 #include "shader/Loader.h"
+
+#include "shader/cache/Identity.h"
+#include "shader/cache/StoredCompiler.h"
 
 #include <cstdlib>
 #include <filesystem>
@@ -9,8 +12,10 @@
 
 #include <dlfcn.h>
 
-namespace softmetal::shader {
-namespace {
+namespace softmetal::shader
+{
+namespace
+{
 
 constexpr const char* FileName = "libSoftMetalCompiler.so.0";
 
@@ -25,33 +30,45 @@ std::string compilerPath()
     return std::filesystem::exists(beside, status) ? beside.string() : FileName;
 }
 
-struct Opened
+Compiler* open(const std::string& path, const abi::RuntimeTable& runtime, uint32_t lanes, std::string& error)
 {
-    Compiler* compiler = nullptr;
-    std::string error;
-};
-
-Opened open(const abi::RuntimeTable& runtime, uint32_t lanes)
-{
-    std::string path = compilerPath();
     void* handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (!handle) return {nullptr, std::string("the shader compiler cannot be opened: ") + dlerror()};
+    if (!handle) {
+        error = std::string("the shader compiler cannot be opened: ") + dlerror();
+        return nullptr;
+    }
     auto door = reinterpret_cast<OpenCompiler>(dlsym(handle, "softmetal_open_compiler"));
     Compiler* compiler = door ? door(&runtime, lanes) : nullptr;
-    if (!compiler) return {nullptr, "the shader compiler at " + path + " does not fit this library"};
-    return {compiler, {}};
+    if (!compiler) error = "the shader compiler at " + path + " does not fit this library";
+    return compiler;
+}
+
+/// The one in the shared object, opened when it is first needed and tried again while it cannot be.
+OpenBehind opener(std::string path, const abi::RuntimeTable& runtime, uint32_t lanes)
+{
+    return [path = std::move(path), runtime, lanes](std::string& error) {
+        static std::mutex mutex;
+        static Compiler* opened = nullptr;
+        std::lock_guard lock(mutex);
+        if (!opened) opened = open(path, runtime, lanes, error);
+        return opened;
+    };
 }
 
 } // namespace
 
-Compiler* openCompiler(const abi::RuntimeTable& runtime, uint32_t lanes, std::string& error)
+Compiler& theCompiler(const abi::RuntimeTable& runtime, uint32_t lanes)
 {
-    static std::mutex mutex;
-    static Opened opened;
-    std::lock_guard lock(mutex);
-    if (!opened.compiler) opened = open(runtime, lanes);
-    error = opened.error;
-    return opened.compiler;
+    static Compiler* const compiler = [&] {
+        std::string path = compilerPath();
+        auto folder = folderOfEnvironment();
+        auto identity = folder ? compilerIdentity(path, lanes) : std::nullopt;
+        if (!identity) folder.reset();
+        return makeStoredCompiler(opener(path, runtime, lanes), std::move(folder), identity.value_or(Digest{}), runtime,
+                                  lanes)
+            .release();
+    }();
+    return *compiler;
 }
 
 uint32_t chooseLanes()

@@ -10,7 +10,6 @@
 #include <llvm/IR/InstIterator.h>
 #include <llvm/IR/Instructions.h>
 #include <llvm/Passes/PassBuilder.h>
-#include <llvm/Transforms/IPO/AlwaysInliner.h>
 #include <llvm/Transforms/IPO/GlobalDCE.h>
 #include <llvm/Transforms/IPO/Internalize.h>
 #include <llvm/Transforms/InstCombine/InstCombine.h>
@@ -31,8 +30,10 @@
 #include <llvm/Transforms/Utils/LowerSwitch.h>
 #include <llvm/Transforms/Utils/UnifyFunctionExitNodes.h>
 
-namespace softmetal::shader {
-namespace {
+namespace softmetal::shader
+{
+namespace
+{
 
 using namespace llvm;
 
@@ -55,11 +56,6 @@ struct Analyses
     }
 };
 
-SimplifyCFGOptions flattening()
-{
-    return SimplifyCFGOptions().convertSwitchRangeToICmp(true).hoistCommonInsts(false).sinkCommonInsts(false);
-}
-
 /// Takes the results of texture accesses apart where they are made, so that no vector lives on in a phi.
 struct TakeApartPass : PassInfoMixin<TakeApartPass>
 {
@@ -81,7 +77,8 @@ private:
         }
     }
 
-    /// The bits of the whole, in as many or more elements, are those of its elements: textures of integers are read this way.
+    /// The bits of the whole, in as many or more elements, are those of its elements: textures of integers are read
+    /// this way.
     static void takeBitsApart(Instruction& access, BitCastInst& bits)
     {
         auto* to = dyn_cast<FixedVectorType>(bits.getType());
@@ -95,7 +92,8 @@ private:
             auto at = static_cast<unsigned>(index->getZExtValue());
             IRBuilder<> b(element);
             Value* number = b.CreateBitCast(b.CreateExtractElement(&access, at / parts), b.getIntNTy(width * parts));
-            element->replaceAllUsesWith(b.CreateTrunc(b.CreateLShr(number, uint64_t{at % parts} * width), element->getType()));
+            element->replaceAllUsesWith(
+                b.CreateTrunc(b.CreateLShr(number, uint64_t{at % parts} * width), element->getType()));
             element->eraseFromParent();
         }
         if (bits.use_empty()) bits.eraseFromParent();
@@ -141,7 +139,7 @@ FunctionPassManager shapePasses()
     return passes;
 }
 
-void inlineEverything(Module& module)
+void prepareInlining(Module& module)
 {
     // The marks of entry functions have been read; as references they would keep the functions alive.
     if (GlobalVariable* annotations = module.getNamedGlobal("llvm.global.annotations")) annotations->eraseFromParent();
@@ -149,8 +147,9 @@ void inlineEverything(Module& module)
         if (function.isDeclaration()) continue;
         function.removeFnAttr(Attribute::NoInline);
         function.removeFnAttr(Attribute::OptimizeNone);
+        for (Argument& argument : function.args())
+            argument.removeAttr(Attribute::NoAlias); // would be noted on each access
         if (function.getName() == StringRef(intrinsic::Entry.data(), intrinsic::Entry.size())) continue;
-        function.addFnAttr(Attribute::AlwaysInline);
         function.setLinkage(GlobalValue::InternalLinkage);
     }
 }
@@ -159,10 +158,11 @@ void inlineEverything(Module& module)
 
 void cleanUp(Module& module)
 {
-    inlineEverything(module);
+    prepareInlining(module);
     Analyses analyses;
     ModulePassManager passes;
-    passes.addPass(AlwaysInlinerPass(false));
+    passes.addPass(GlobalDCEPass()); // other entry functions and what only they call
+    passes.addPass(InlineEverythingPass());
     passes.addPass(GlobalDCEPass());
     passes.addPass(createModuleToFunctionPassAdaptor(scalarPasses()));
     passes.addPass(createModuleToFunctionPassAdaptor(shapePasses()));

@@ -2,28 +2,32 @@
 #include "shader/codegen/Codegen.h"
 
 #include "shader/Intrinsics.h"
+#include "shader/codegen/Flatten.h"
 #include "shader/codegen/Passes.h"
 #include "shader/widen/Widen.h"
 
-#include <llvm/ExecutionEngine/Orc/LLJIT.h>
+#include <llvm/ExecutionEngine/Orc/JITTargetMachineBuilder.h>
 #include <llvm/IR/LegacyPassManager.h>
 #include <llvm/IR/Verifier.h>
-#include <llvm/Support/SmallVectorMemoryBuffer.h>
 #include <llvm/Support/TargetSelect.h>
 #include <llvm/Target/TargetMachine.h>
 
-#include <atomic>
 #include <chrono>
 #include <cstdlib>
 #include <mutex>
 
-namespace softmetal::shader {
-namespace {
+namespace softmetal::shader
+{
+namespace
+{
 
 using namespace llvm;
 using Clock = std::chrono::steady_clock;
 
-double milliseconds(Clock::time_point since) { return std::chrono::duration<double, std::milli>(Clock::now() - since).count(); }
+double milliseconds(Clock::time_point since)
+{
+    return std::chrono::duration<double, std::milli>(Clock::now() - since).count();
+}
 
 constexpr uint64_t DefaultLoopLimit = 1u << 20;
 
@@ -34,21 +38,18 @@ uint64_t loopLimit()
     return value > 0 ? value : DefaultLoopLimit;
 }
 
-/// One function's place in the linker.
-class LinkedCode final : public Code
+class LoadedFunction final : public Code
 {
 public:
-    LinkedCode(std::shared_ptr<orc::LLJIT> jit, orc::JITDylib* library, void* address)
-        : jit_(std::move(jit)), library_(library), address_(address)
-    {
-    }
-    ~LinkedCode() override { consumeError(jit_->getExecutionSession().removeJITDylib(*library_)); }
-    void* address() const override { return address_; }
+    LoadedFunction(MachineCode code, std::unique_ptr<LoadedCode> loaded)
+        : code_(std::move(code)), loaded_(std::move(loaded))
+    {}
+    void* address() const override { return loaded_->address(); }
+    const MachineCode& machineCode() const override { return code_; }
 
 private:
-    std::shared_ptr<orc::LLJIT> jit_;
-    orc::JITDylib* library_;
-    void* address_;
+    MachineCode code_;
+    std::unique_ptr<LoadedCode> loaded_;
 };
 
 /// Target machines that nobody uses at the moment; each serves one thread at a time.
@@ -81,9 +82,12 @@ private:
 class LlvmGenerator final : public Generator
 {
 public:
-    LlvmGenerator(const abi::RuntimeTable& runtime, uint32_t lanes, const orc::JITTargetMachineBuilder& builder, std::shared_ptr<orc::LLJIT> jit)
-        : runtime_(runtime), lanes_(lanes), machines_(builder), jit_(std::move(jit)), limit_(loopLimit())
+    LlvmGenerator(const abi::RuntimeTable& runtime, uint32_t lanes, const orc::JITTargetMachineBuilder& builder,
+                  std::unique_ptr<TargetMachine> first)
+        : runtime_(runtime), lanes_(lanes), triple_(first->getTargetTriple().str()), layout_(first->createDataLayout()),
+          machines_(builder), limit_(loopLimit())
     {
+        machines_.giveBack(std::move(first));
     }
 
     std::unique_ptr<Code> generate(Module& module, Stage stage, CompileTimes& times, std::string& error) override
@@ -93,7 +97,7 @@ public:
         times.widen += milliseconds(start);
         start = Clock::now();
         SmallVector<char, 0> object = assemble(module, CodeGenFileType::ObjectFile, error);
-        auto code = object.empty() ? nullptr : link(std::make_unique<SmallVectorMemoryBuffer>(std::move(object), false), error);
+        auto code = object.empty() ? nullptr : load(object, error);
         times.generate += milliseconds(start);
         return code;
     }
@@ -108,14 +112,14 @@ public:
 private:
     bool makeWide(Module& module, Stage stage, std::string& error)
     {
-        module.setTargetTriple(jit_->getTargetTriple().str());
-        module.setDataLayout(jit_->getDataLayout());
+        module.setTargetTriple(triple_);
+        module.setDataLayout(layout_);
         llvm::Function* scalar = module.getFunction({intrinsic::Entry.data(), intrinsic::Entry.size()});
         if (!scalar || scalar->isDeclaration()) {
             error = "there is no entry function";
             return false;
         }
-        WidenOptions options{lanes_, stage, &runtime_, limit_};
+        WidenOptions options{lanes_, stage, limit_};
         llvm::Function* wide = widen(*scalar, options, error);
         if (!wide) return false;
         const char* width = lanes_ >= 16 ? "512" : "256";
@@ -138,42 +142,31 @@ private:
         {
             legacy::PassManager passes;
             MCContext* context = nullptr;
-            bool refused = type == CodeGenFileType::ObjectFile ? machine->addPassesToEmitMC(passes, context, stream)
-                                                               : machine->addPassesToEmitFile(passes, stream, nullptr, type);
-            if (refused) error = "this machine's code cannot be generated";
-            else passes.run(module);
+            bool refused = type == CodeGenFileType::ObjectFile
+                               ? machine->addPassesToEmitMC(passes, context, stream)
+                               : machine->addPassesToEmitFile(passes, stream, nullptr, type);
+            if (refused)
+                error = "this machine's code cannot be generated";
+            else
+                passes.run(module);
         }
         machines_.giveBack(std::move(machine));
         return bytes;
     }
 
-    std::unique_ptr<Code> link(std::unique_ptr<MemoryBuffer> object, std::string& error)
+    std::unique_ptr<Code> load(const SmallVector<char, 0>& object, std::string& error)
     {
-        auto library = jit_->createJITDylib("shader" + std::to_string(serial_++));
-        if (!library) return refuse(library.takeError(), error);
-        auto discard = [&](Error problem) {
-            consumeError(jit_->getExecutionSession().removeJITDylib(*library));
-            return refuse(std::move(problem), error);
-        };
-        library->addToLinkOrder(jit_->getMainJITDylib());
-        if (auto problem = jit_->addObjectFile(*library, std::move(object))) return discard(std::move(problem));
-        auto symbol = jit_->lookup(*library, WideName);
-        if (!symbol) return discard(symbol.takeError());
-        return std::make_unique<LinkedCode>(jit_, &*library, symbol->toPtr<void*>());
-    }
-
-    static std::unique_ptr<Code> refuse(Error problem, std::string& error)
-    {
-        error = toString(std::move(problem));
-        return nullptr;
+        auto code = flatten({{object.data(), object.size()}, "shader"}, WideName, error);
+        auto loaded = code ? LoadedCode::load(*code, runtime_, error) : nullptr;
+        return loaded ? std::make_unique<LoadedFunction>(std::move(*code), std::move(loaded)) : nullptr;
     }
 
     abi::RuntimeTable runtime_;
     uint32_t lanes_;
+    std::string triple_;
+    DataLayout layout_;
     MachinePool machines_;
-    std::shared_ptr<orc::LLJIT> jit_;
     uint64_t limit_;
-    std::atomic<uint64_t> serial_{0};
 };
 
 std::unique_ptr<Generator> refuseMachine(Error problem, std::string& error)
@@ -198,11 +191,9 @@ std::unique_ptr<Generator> makeGenerator(const abi::RuntimeTable& runtime, uint3
     builder->setCodeGenOptLevel(CodeGenOptLevel::Default);
     builder->setCodeModel(CodeModel::Small);
     builder->setRelocationModel(Reloc::PIC_);
-    if (auto machine = builder->createTargetMachine(); !machine) return refuseMachine(machine.takeError(), error);
-    auto jit = orc::LLJITBuilder().setJITTargetMachineBuilder(*builder).create();
-    if (!jit) return refuseMachine(jit.takeError(), error);
-    (*jit)->getExecutionSession().setErrorReporter([](Error problem) { consumeError(std::move(problem)); }); // returned as well
-    return std::make_unique<LlvmGenerator>(runtime, lanes, *builder, std::shared_ptr<orc::LLJIT>(std::move(*jit)));
+    auto machine = builder->createTargetMachine();
+    if (!machine) return refuseMachine(machine.takeError(), error);
+    return std::make_unique<LlvmGenerator>(runtime, lanes, *builder, std::move(*machine));
 }
 
 } // namespace softmetal::shader

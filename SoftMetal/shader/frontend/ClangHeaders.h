@@ -14,6 +14,7 @@
 #include <clang/Basic/DiagnosticIDs.h>
 #include <clang/Basic/ParsedAttrInfo.h>
 #include <clang/Basic/TargetInfo.h>
+#include <clang/Basic/Version.h>
 #include <clang/CodeGen/CodeGenAction.h>
 #include <clang/Frontend/CompilerInstance.h>
 #include <clang/Frontend/CompilerInvocation.h>

@@ -59,6 +59,12 @@ public:
         return reinterpret_cast<abi::FragmentFunction>(code(Stage::Fragment, error));
     }
 
+    const MachineCode* machineCode() const override
+    {
+        std::lock_guard lock(shared_->mutex);
+        return code_ ? &code_->machineCode() : nullptr;
+    }
+
     CompileTimes times() const override
     {
         std::lock_guard lock(shared_->mutex);
@@ -218,6 +224,10 @@ public:
         times.parse = milliseconds(start);
         return std::make_shared<LibraryImplementation>(std::move(program), *generator_, times);
     }
+
+    std::span<const uint8_t> preparation() const override { return shader::preparation(); }
+
+    void prepare(std::vector<uint8_t> preparation) override { shader::prepare(std::move(preparation)); }
 
     uint32_t lanes() const override { return lanes_; }
 

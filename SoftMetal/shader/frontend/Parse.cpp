@@ -9,7 +9,9 @@
 #include "shader/frontend/Reflect.h"
 #include "shader/stdlib/StandardHeader.h"
 
+#include <algorithm>
 #include <array>
+#include <atomic>
 #include <mutex>
 
 namespace softmetal::shader
@@ -106,31 +108,74 @@ private:
     std::shared_ptr<clang::PCHBuffer> buffer_;
 };
 
-/// The standard header, parsed once for the process.
+/// Before a precompiled header, so that it is not given to another clang.
+std::string signature()
+{
+    return clang::getClangFullVersion() + '\n';
+}
+
+/// What another process precompiled, until the first program is parsed.
+struct Given
+{
+    std::mutex mutex;
+    std::vector<uint8_t> preparation;
+};
+
+Given& given()
+{
+    static Given one;
+    return one;
+}
+
+/// The standard header, parsed once for the process or by another.
 struct StandardLibrary
 {
     std::string text = standardHeader();
-    std::string precompiled;
+    std::vector<uint8_t> preparation; // the signature and the precompiled header; empty when it does not compile
     std::string messages;
 
     StandardLibrary()
     {
         registerAttributes();
+        {
+            std::lock_guard lock(given().mutex);
+            preparation = std::move(given().preparation);
+        }
+        const std::string mark = signature();
+        if (preparation.size() > mark.size() && std::equal(mark.begin(), mark.end(), preparation.begin())) return;
+        preparation.clear();
+        precompile(mark);
+    }
+
+    llvm::StringRef precompiled() const
+    {
+        const size_t mark = signature().size();
+        return {reinterpret_cast<const char*>(preparation.data()) + mark, preparation.size() - mark};
+    }
+
+private:
+    void precompile(const std::string& mark)
+    {
         FileSystem files(new llvm::vfs::InMemoryFileSystem);
         addFile(files, HeaderName, text);
         std::vector<const char*> arguments(CommonArguments.begin(), CommonArguments.end());
-        arguments.insert(arguments.end(), {"-emit-pch", HeaderName});
+        arguments.insert(arguments.end(), {"-emit-pch", "-fpch-instantiate-templates", HeaderName});
         auto instance = makeInstance(files, arguments, messages);
         auto buffer = std::make_shared<clang::PCHBuffer>();
         PrecompileAction action(buffer);
         bool done = instance->ExecuteAction(action) && !instance->getDiagnostics().hasErrorOccurred();
-        if (done) precompiled.assign(buffer->Data.begin(), buffer->Data.end());
+        if (!done) return;
+        preparation.assign(mark.begin(), mark.end());
+        preparation.insert(preparation.end(), buffer->Data.begin(), buffer->Data.end());
     }
 };
+
+std::atomic<bool> isPrepared{false};
 
 const StandardLibrary& standardLibrary()
 {
     static const StandardLibrary library;
+    isPrepared = true;
     return library;
 }
 
@@ -208,6 +253,7 @@ protected:
         instance.getPreprocessor().setTokenWatcher(LengthLimit(instance.getPreprocessor()));
         return EmitLLVMOnlyAction::BeginSourceFileAction(instance);
     }
+
     std::unique_ptr<clang::ASTConsumer> CreateASTConsumer(clang::CompilerInstance& instance,
                                                           llvm::StringRef file) override
     {
@@ -227,7 +273,7 @@ FileSystem programFiles(const std::string& source)
     FileSystem files(new llvm::vfs::InMemoryFileSystem);
     const StandardLibrary& standard = standardLibrary();
     addFile(files, HeaderName, standard.text);
-    addFile(files, PrecompiledName, standard.precompiled);
+    addFile(files, PrecompiledName, standard.precompiled());
     addFile(files, SourceName, source);
     for (const char* name : IncludeNames)
         addFile(files, std::string("/softmetal/include/") + name, "");
@@ -236,10 +282,21 @@ FileSystem programFiles(const std::string& source)
 
 } // namespace
 
+std::span<const uint8_t> preparation()
+{
+    return isPrepared ? std::span<const uint8_t>(standardLibrary().preparation) : std::span<const uint8_t>();
+}
+
+void prepare(std::vector<uint8_t> preparation)
+{
+    std::lock_guard lock(given().mutex);
+    given().preparation = std::move(preparation);
+}
+
 std::unique_ptr<Program> parse(std::string_view source, const CompileOptions& options, std::string& messages)
 {
     const StandardLibrary& standard = standardLibrary();
-    if (standard.precompiled.empty()) {
+    if (standard.preparation.empty()) {
         messages = "the standard library does not compile: " + standard.messages;
         return nullptr;
     }

@@ -12,15 +12,17 @@
 #include <string>
 #include <vector>
 
-namespace softmetal::shader {
+namespace softmetal::shader
+{
 
-enum class Role : uint8_t {
+enum class Role : uint8_t
+{
     None,
-    Attribute,     // [[attribute(n)]]
-    Varying,       // goes between the stages
-    Position,      // output of the vertex stage, input of the fragment stage
+    Attribute, // [[attribute(n)]]
+    Varying,   // goes between the stages
+    Position,  // output of the vertex stage, input of the fragment stage
     PointSize,
-    Color,         // [[color(n)]]
+    Color, // [[color(n)]]
     Depth,
     Stencil,
     SampleMask,
@@ -31,8 +33,8 @@ enum class Role : uint8_t {
     FrontFacing,
     PointCoord,
     PrimitiveId,
-    SampleId,      // always 0: pipelines have one sample
-    ClipDistance,  // behind the plane where it is below zero
+    SampleId,     // always 0: pipelines have one sample
+    ClipDistance, // behind the plane where it is below zero
     Buffer,
     Texture,
     Sampler,
@@ -43,13 +45,13 @@ struct Value
 {
     std::string name;
     Role role = Role::None;
-    uint32_t index = 0;      // of the attribute, colour or resource
-    uint64_t offset = 0;     // bytes, within the record that holds it
+    uint32_t index = 0;  // of the attribute, colour or resource
+    uint64_t offset = 0; // bytes, within the record that holds it
     uint32_t components = 1;
     uint64_t componentSize = 4;
     ScalarType type = ScalarType::Float;
     Interpolation interpolation = Interpolation::Perspective;
-    std::string condition;   // name of the function constant that switches it, empty: always there
+    std::string condition; // name of the function constant that switches it, empty: always there
     // resources only
     uint32_t count = 1;
     uint32_t textureType = 0;
@@ -69,7 +71,7 @@ struct Entry
     std::string name, symbol; // as written; as the module calls it
     Stage stage = Stage::Vertex;
     std::vector<Parameter> parameters;
-    uint64_t resultSize = 0;    // 0: void
+    uint64_t resultSize = 0; // 0: void
     std::vector<Value> results;
     bool earlyFragmentTests = false;
 };
@@ -91,11 +93,16 @@ struct Program
     std::vector<Constant> constants;
 };
 
+/// The precompiled standard header with the name of the clang that made it; empty before the first program.
+std::span<const uint8_t> preparation();
+/// Takes a precompiled header of this clang; ignored after the first program.
+void prepare(std::vector<uint8_t> preparation);
+
 /// Parses a source text. Null on error; messages holds clang's diagnostics either way.
 std::unique_ptr<Program> parse(std::string_view source, const CompileOptions& options, std::string& messages);
 
-/// Adds the function "softmetal_entry" to a module (a copy of the program's): it fetches inputs, calls the entry and hands
-/// on results through the intrinsics. Values whose function constant is false are left out.
+/// Adds the function "softmetal_entry" to a module (a copy of the program's): it fetches inputs, calls the entry and
+/// hands on results through the intrinsics. Values whose function constant is false are left out.
 class SpecialisedConstants;
 void addEntryWrapper(llvm::Module& module, const Entry& entry, const SpecialisedConstants& constants);
 

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "shader/stdlib/StandardHeader.h"
 
-namespace softmetal::shader {
-namespace {
+namespace softmetal::shader
+{
+namespace
+{
 
 constexpr const char* Core =
 #include "shader/stdlib/Core.inc"
@@ -19,6 +21,9 @@ constexpr const char* Textures =
 constexpr const char* Atomics =
 #include "shader/stdlib/Atomics.inc"
     ;
+constexpr const char* Uses =
+#include "shader/stdlib/Uses.inc"
+    ;
 constexpr const char* End =
 #include "shader/stdlib/End.inc"
     ;
@@ -27,7 +32,8 @@ constexpr const char* End =
 
 std::string standardHeader()
 {
-    return Core + vectorText() + matrixText() + std::string(Math) + functionText() + Functions + Textures + Atomics + End;
+    return Core + vectorText() + matrixText() + std::string(Math) + functionText() + Functions + Textures + Atomics +
+           Uses + End;
 }
 
 } // namespace softmetal::shader

@@ -9,15 +9,18 @@
 #include <utility>
 #include <vector>
 
-namespace softmetal::shader {
-namespace {
+namespace softmetal::shader
+{
+namespace
+{
 
 constexpr std::string_view Letters = "xyzw", Colors = "rgba";
 
 std::string letters(const std::string& indices, std::string_view alphabet)
 {
     std::string result;
-    for (char c : indices) result += alphabet[static_cast<size_t>(c - '0')];
+    for (char c : indices)
+        result += alphabet[static_cast<size_t>(c - '0')];
     return result;
 }
 
@@ -28,7 +31,8 @@ std::vector<std::string> combinations(int n, int length)
     for (int i = 0; i < length; ++i) {
         std::vector<std::string> longer;
         for (const std::string& s : result)
-            for (int d = 0; d < n; ++d) longer.push_back(s + static_cast<char>('0' + d));
+            for (int d = 0; d < n; ++d)
+                longer.push_back(s + static_cast<char>('0' + d));
         result = longer;
     }
     return result;
@@ -46,15 +50,33 @@ std::string swizzle(const std::string& indices)
         put += component + " = softmetal_v." + Letters[i] + "; ";
     }
     std::string text = get + "); }\n" + (writable ? put + "}\n" : "");
-    std::string access = "__declspec(property(get = softmetal_get_" + name + (writable ? ", put = softmetal_put_" + name : "") + ")) " + type + " ";
+    std::string access = "__declspec(property(get = softmetal_get_" + name +
+                         (writable ? ", put = softmetal_put_" + name : "") + ")) " + type + " ";
     return text + access + name + ";\n" + access + letters(indices, Colors) + ";\n";
 }
 
-std::string members(int n)
+/// The components and their other names. All members have names: clang looks for an instantiated member without one by
+/// walking over all of them, which for a few hundred swizzles costs more than a whole small program.
+std::string components(int n)
+{
+    std::string names, colors;
+    for (int i = 0; i < n; ++i) {
+        const std::string name(1, Letters[static_cast<size_t>(i)]), color(1, Colors[static_cast<size_t>(i)]);
+        names += (i ? ", " : "") + name;
+        colors += "constexpr T softmetal_get_" + name + "() const { return " + name + "; }\n";
+        colors += "constexpr void softmetal_put_" + name + "(T softmetal_v) { " + name + " = softmetal_v; }\n";
+        colors += "__declspec(property(get = softmetal_get_" + name + ", put = softmetal_put_" + name + ")) T " +
+                  color + ";\n";
+    }
+    return "T " + names + ";\n" + colors;
+}
+
+std::string swizzles(int n)
 {
     std::string text;
     for (int length = 2; length <= 4; ++length)
-        for (const std::string& indices : combinations(n, length)) text += swizzle(indices);
+        for (const std::string& indices : combinations(n, length))
+            text += swizzle(indices);
     return text;
 }
 
@@ -62,7 +84,8 @@ std::string members(int n)
 void partitions(int n, const std::string& parts, std::vector<std::string>& out)
 {
     if (n == 0) return out.push_back(parts);
-    for (int size = 1; size <= n; ++size) partitions(n - size, parts + static_cast<char>('0' + size), out);
+    for (int size = 1; size <= n; ++size)
+        partitions(n - size, parts + static_cast<char>('0' + size), out);
 }
 
 std::string constructors(int n)
@@ -77,7 +100,8 @@ std::string constructors(int n)
         for (size_t a = 0; a < cut.size(); ++a) {
             int size = cut[a] - '0';
             std::string name = "softmetal_" + std::string(1, static_cast<char>('a' + a));
-            arguments += (a ? ", " : "") + (size == 1 ? std::string("T ") : "const vec<T, " + std::to_string(size) + ">& ") + name;
+            arguments += (a ? ", " : "") +
+                         (size == 1 ? std::string("T ") : "const vec<T, " + std::to_string(size) + ">& ") + name;
             for (int i = 0; i < size; ++i, ++component)
                 initial += std::string(component ? ", " : "") + Letters[static_cast<size_t>(component)] + "(" + name +
                            (size == 1 ? "" : std::string(".") + Letters[static_cast<size_t>(i)]) + ")";
@@ -113,77 +137,87 @@ std::string operators(int n)
         text += "vec& operator" + op + "=(const vec& b) { return *this = *this " + op + " b; }\n";
     }
     for (std::string op : Comparisons)
-        text += "friend constexpr " + flags + " operator" + op + "(const vec& a, const vec& b) { return " + flags + "(" +
-                perComponent(n, "", " " + op + " ", ", ") + "); }\n";
+        text += "friend constexpr " + flags + " operator" + op + "(const vec& a, const vec& b) { return " + flags +
+                "(" + perComponent(n, "", " " + op + " ", ", ") + "); }\n";
     for (std::string op : {"-", "~", "+"}) {
         std::string values;
-        for (int i = 0; i < n; ++i) values += std::string(i ? ", " : "") + "(T)(" + op + "a." + Letters[static_cast<size_t>(i)] + ")";
+        for (int i = 0; i < n; ++i)
+            values += std::string(i ? ", " : "") + "(T)(" + op + "a." + Letters[static_cast<size_t>(i)] + ")";
         text += "friend constexpr vec operator" + op + "(const vec& a) { return vec(" + values + "); }\n";
     }
-    text += "friend constexpr " + flags + " operator!(const vec& a) { return " + flags + "(" + perComponent(n, "!", "", ", ") + "); }\n";
+    text += "friend constexpr " + flags + " operator!(const vec& a) { return " + flags + "(" +
+            perComponent(n, "!", "", ", ") + "); }\n";
     text += "vec& operator++() { return *this += vec(T(1)); }\nvec& operator--() { return *this -= vec(T(1)); }\n"
-            "vec operator++(int) { vec before = *this; ++*this; return before; }\nvec operator--(int) { vec before = *this; --*this; return before; }\n";
+            "vec operator++(int) { vec before = *this; ++*this; return before; }\nvec operator--(int) { vec before = "
+            "*this; --*this; return before; }\n";
     return text;
 }
 
 std::string vectorClass(int n)
 {
-    std::string names, colors, splat, convert, count = std::to_string(n);
+    std::string splat, convert, count = std::to_string(n);
     for (int i = 0; i < n; ++i) {
         std::string separator = i ? ", " : "";
         auto at = static_cast<size_t>(i);
-        names += separator + Letters[at];
-        colors += separator + Colors[at];
         splat += separator + Letters[at] + "(softmetal_s)";
         convert += separator + Letters[at] + "((T)softmetal_o." + Letters[at] + ")";
     }
     std::string alignment = "sizeof(T) * " + std::to_string(n == 3 ? 4 : n);
-    return "template <typename T> struct alignas(" + alignment + ") vec<T, " + count + ">\n{\nunion { struct { T " + names +
-           "; }; struct { T " + colors + "; }; };\nvec() = default;\nconstexpr vec(T softmetal_s) : " + splat + " {}\n" + constructors(n) +
-           "template <typename F> constexpr explicit vec(const vec<F, " + count + ">& softmetal_o) : " + convert + " {}\n" +
-           "T& operator[](int i) { return (&x)[i]; }\nconst T& operator[](int i) const { return (&x)[i]; }\n" + members(n) +
-           operators(n) + "};\n";
+    return "template <typename T> struct alignas(" + alignment + ") vec<T, " + count + ">\n{\n" + components(n) +
+           "vec() = default;\nconstexpr vec(T softmetal_s) : " + splat + " {}\n" + constructors(n) +
+           "template <typename F> constexpr explicit vec(const vec<F, " + count + ">& softmetal_o) : " + convert +
+           " {}\n" +
+           "T& operator[](int i) { return (&x)[i]; }\nconst T& operator[](int i) const { return (&x)[i]; }\n" +
+           swizzles(n) + operators(n) + "};\n";
 }
 
 /// Vectors without padding: what they hold is read and written as it is, and arithmetic is that of the vector type.
 std::string packedClass(int n)
 {
-    std::string count = std::to_string(n), vector = "vec<T, " + count + ">", packed = "const packed_vec& ", other = "const " + vector + "& ";
-    std::string names, colors, values, copied, text;
+    std::string count = std::to_string(n), vector = "vec<T, " + count + ">", packed = "const packed_vec& ",
+                other = "const " + vector + "& ";
+    std::string values, copied, text;
     for (int i = 0; i < n; ++i) {
         std::string separator = i ? ", " : "", letter(1, Letters[static_cast<size_t>(i)]);
-        names += separator + letter;
-        colors += separator + Colors[static_cast<size_t>(i)];
         values += separator + letter;
         copied += separator + letter + "(softmetal_v." + letter + ")";
     }
     std::string constructed = constructors(n); // of the same parts as the vector's
-    for (size_t at = constructed.find("constexpr vec("); at != std::string::npos; at = constructed.find("constexpr vec(", at))
+    for (size_t at = constructed.find("constexpr vec("); at != std::string::npos;
+         at = constructed.find("constexpr vec(", at))
         constructed.replace(at, 14, "constexpr packed_vec(");
-    text = "template <typename T> struct packed_vec<T, " + count + ">\n{\nunion { struct { T " + names + "; }; struct { T " + colors +
-           "; }; };\npacked_vec() = default;\nconstexpr packed_vec(" + other + "softmetal_v) : " + copied + " {}\n" + constructed +
-           "constexpr operator " + vector + "() const { return " + vector + "(" + values + "); }\n" +
-           "T& operator[](int i) { return (&x)[i]; }\nconst T& operator[](int i) const { return (&x)[i]; }\n" + members(n);
+    text = "template <typename T> struct packed_vec<T, " + count + ">\n{\n" + components(n) +
+           "packed_vec() = default;\nconstexpr packed_vec(" + other + "softmetal_v) : " + copied + " {}\n" +
+           constructed + "constexpr operator " + vector + "() const { return " + vector + "(" + values + "); }\n" +
+           "T& operator[](int i) { return (&x)[i]; }\nconst T& operator[](int i) const { return (&x)[i]; }\n" +
+           swizzles(n);
     for (std::string op : {"+", "-", "*", "/"}) {
-        for (const auto& [left, right] : {std::pair(packed, packed), std::pair(packed, other), std::pair(other, packed)})
-            text += "friend constexpr " + vector + " operator" + op + "(" + left + "a, " + right + "b) { return " + vector + "(a) " + op + " " + vector + "(b); }\n";
-        text += "packed_vec& operator" + op + "=(" + other + "b) { return *this = " + vector + "(*this) " + op + " b; }\n";
+        for (const auto& [left, right] :
+             {std::pair(packed, packed), std::pair(packed, other), std::pair(other, packed)})
+            text += "friend constexpr " + vector + " operator" + op + "(" + left + "a, " + right + "b) { return " +
+                    vector + "(a) " + op + " " + vector + "(b); }\n";
+        text +=
+            "packed_vec& operator" + op + "=(" + other + "b) { return *this = " + vector + "(*this) " + op + " b; }\n";
     }
     for (std::string op : {"==", "!=", "<", ">", "<=", ">="})
-        text += "friend constexpr vec<bool, " + count + "> operator" + op + "(" + packed + "a, " + packed + "b) { return " + vector + "(a) " + op + " " + vector + "(b); }\n";
+        text += "friend constexpr vec<bool, " + count + "> operator" + op + "(" + packed + "a, " + packed +
+                "b) { return " + vector + "(a) " + op + " " + vector + "(b); }\n";
     return text + "friend constexpr " + vector + " operator-(" + packed + "a) { return -" + vector + "(a); }\n};\n";
 }
 
-constexpr std::array Scalars = {"bool", "char", "uchar", "short", "ushort", "int", "uint", "half", "float", "long", "ulong"};
+constexpr std::array Scalars = {"bool", "char", "uchar", "short", "ushort", "int",
+                                "uint", "half", "float", "long",  "ulong"};
 
 } // namespace
 
 std::string vectorText()
 {
     std::string text = "namespace softmetal_types {\ntemplate <typename T, int N> struct vec;\n";
-    for (int n = 2; n <= 4; ++n) text += vectorClass(n);
+    for (int n = 2; n <= 4; ++n)
+        text += vectorClass(n);
     text += "template <typename T, int N> struct packed_vec;\n";
-    for (int n = 2; n <= 4; ++n) text += packedClass(n);
+    for (int n = 2; n <= 4; ++n)
+        text += packedClass(n);
     text += "}\n";
     std::string inside;
     for (std::string scalar : Scalars) {
@@ -201,7 +235,9 @@ std::string vectorText()
             inside += "using ::" + packed + ";\n";
         }
     }
-    return text + "namespace metal {\nusing softmetal_types::vec;\nusing ::half;\nusing ::uint;\nusing ::uchar;\nusing ::ushort;\nusing ::as_type;\n" +
+    return text +
+           "namespace metal {\nusing softmetal_types::vec;\nusing ::half;\nusing ::uint;\nusing ::uchar;\nusing "
+           "::ushort;\nusing ::as_type;\n" +
            inside + "}\nnamespace simd {\n" + inside + "}\n";
 }
 

@@ -8,27 +8,47 @@
 #include <array>
 #include <cstddef>
 
-namespace softmetal::shader {
+namespace softmetal::shader
+{
 
 using namespace llvm;
 
-namespace {
+namespace
+{
 
-bool is(StringRef name, std::string_view known) { return name == StringRef(known.data(), known.size()); }
+bool is(StringRef name, std::string_view known)
+{
+    return name == StringRef(known.data(), known.size());
+}
 
 constexpr uint64_t LaneBytes = sizeof(abi::Lanes);
 
 /// Arguments of softmetal_sample by position.
-enum SampleArgument : unsigned { TextureArgument, SamplerArgument, ModeArgument, CoordinateArgument, LayerArgument = 6, LodArgument, GradientXArgument,
-                                 GradientYArgument = 11, OffsetArgument = 14, MinLodArgument = 17, ExtraArgument };
+enum SampleArgument : unsigned
+{
+    TextureArgument,
+    SamplerArgument,
+    ModeArgument,
+    CoordinateArgument,
+    LayerArgument = 6,
+    LodArgument,
+    GradientXArgument,
+    GradientYArgument = 11,
+    OffsetArgument = 14,
+    MinLodArgument = 17,
+    ExtraArgument
+};
 
 } // namespace
 
-// ---- resources -----------------------------------------------------------------------------------------------------------
+// ---- resources
+// -----------------------------------------------------------------------------------------------------------
 
 Value* Widener::resource(StringRef name, CallInst& call)
 {
-    auto bound = [&](uint64_t table, uint64_t end) { return given(b.getPtrTy(), resources_, table + number(call, 0, end) * sizeof(void*)); };
+    auto bound = [&](uint64_t table, uint64_t end) {
+        return given(b.getPtrTy(), resources_, table + number(call, 0, end) * sizeof(void*));
+    };
     if (is(name, intrinsic::Buffer)) return bound(offsetof(abi::Resources, buffers), abi::MaxBuffers);
     if (is(name, intrinsic::Texture)) return bound(offsetof(abi::Resources, textures), abi::MaxTextures);
     if (is(name, intrinsic::Sampler)) return bound(offsetof(abi::Resources, samplers), abi::MaxSamplers);
@@ -51,16 +71,17 @@ Value* Widener::constantSampler(CallInst& call)
     static_assert(sizeof(abi::Sampler) == sizeof words);
     GlobalVariable*& written = writtenSamplers_[words]; // one address for each, so that they can be told apart
     Constant* contents = ConstantDataArray::get(context_, words);
-    if (!written) written = new GlobalVariable(module_, contents->getType(), true, GlobalValue::InternalLinkage, contents);
+    if (!written)
+        written = new GlobalVariable(module_, contents->getType(), true, GlobalValue::InternalLinkage, contents);
     return written;
 }
 
 /// Size of a level, at least one; zero for a texture that is not bound.
 Value* Widener::textureSize(CallInst& call)
 {
-    static constexpr std::array<uint64_t, 6> Offsets = {offsetof(abi::Texture, width),      offsetof(abi::Texture, height),
-                                                        offsetof(abi::Texture, depth),      offsetof(abi::Texture, arrayLength),
-                                                        offsetof(abi::Texture, levelCount), offsetof(abi::Texture, sampleCount)};
+    static constexpr std::array<uint64_t, 6> Offsets = {
+        offsetof(abi::Texture, width),       offsetof(abi::Texture, height),     offsetof(abi::Texture, depth),
+        offsetof(abi::Texture, arrayLength), offsetof(abi::Texture, levelCount), offsetof(abi::Texture, sampleCount)};
     constexpr uint64_t HeadBytes = 64;
     static_assert(*std::max_element(Offsets.begin(), Offsets.end()) + sizeof(uint32_t) <= HeadBytes);
     uint64_t what = number(call, 1, Offsets.size());
@@ -75,18 +96,19 @@ Value* Widener::textureSize(CallInst& call)
         Value* known = resource(bound->getCalledFunction()->getName(), *bound);
         Value* missing = b.CreateIsNull(known);
         Value* size = spread(given(b.getInt32Ty(), b.CreateSelect(missing, zerosOf(zeros), known), Offsets[what]));
-        if (what <= 2) size = b.CreateBinaryIntrinsic(Intrinsic::umax, b.CreateLShr(size, level), spread(b.getInt32(1)));
+        if (what <= 2)
+            size = b.CreateBinaryIntrinsic(Intrinsic::umax, b.CreateLShr(size, level), spread(b.getInt32(1)));
         Value* meant = b.CreateAnd(b.CreateICmpEQ(texture, spread(known)), spread(b.CreateNot(missing)));
         result = b.CreateSelect(meant, size, result);
     }
     return result;
 }
 
-// ---- texture accesses ----------------------------------------------------------------------------------------------------
+// ---- texture accesses
+// ----------------------------------------------------------------------------------------------------
 
 bool Widener::access(StringRef name, CallInst& call)
 {
-    const abi::RuntimeTable& runtime = *options_.runtime;
     if (is(name, intrinsic::Read)) {
         read(call);
         return true;
@@ -95,15 +117,20 @@ bool Widener::access(StringRef name, CallInst& call)
         write(call);
         return true;
     }
-    void* function = nullptr;
-    if (is(name, intrinsic::Sample)) function = reinterpret_cast<void*>(runtime.sample);
-    else if (is(name, intrinsic::SampleCompare)) function = reinterpret_cast<void*>(runtime.sampleCompare);
-    else if (is(name, intrinsic::Gather)) function = reinterpret_cast<void*>(runtime.gather);
-    else return false;
+    std::string_view function;
+    if (is(name, intrinsic::Sample))
+        function = intrinsic::RuntimeSample;
+    else if (is(name, intrinsic::SampleCompare))
+        function = intrinsic::RuntimeSampleCompare;
+    else if (is(name, intrinsic::Gather))
+        function = intrinsic::RuntimeGather;
+    else
+        return false;
     if (!sampleCall_) sampleCall_ = accessPlace(sizeof(abi::SampleCall), offsetof(abi::SampleCall, result));
     std::vector<Value*> extra;
     fillSample(call, sampleCall_);
-    if (is(name, intrinsic::SampleCompare)) storeLanes(sampleCall_, offsetof(abi::SampleCall, compare), vector(call.getArgOperand(ExtraArgument)));
+    if (is(name, intrinsic::SampleCompare))
+        storeLanes(sampleCall_, offsetof(abi::SampleCall, compare), vector(call.getArgOperand(ExtraArgument)));
     if (is(name, intrinsic::Gather)) extra.push_back(b.getInt32(static_cast<uint32_t>(number(call, ExtraArgument, 5))));
     emptyResults(at(sampleCall_, offsetof(abi::SampleCall, result)));
     const Value *texture = call.getArgOperand(TextureArgument), *sampler = call.getArgOperand(SamplerArgument);
@@ -124,14 +151,18 @@ bool Widener::access(StringRef name, CallInst& call)
 void Widener::fillSample(CallInst& call, Value* place)
 {
     auto word = [&](Value* value, uint64_t offset) { b.CreateStore(value, at(place, offset)); };
-    auto lanes = [&](unsigned argument, uint64_t offset) { storeLanes(place, offset, vector(call.getArgOperand(argument))); };
+    auto lanes = [&](unsigned argument, uint64_t offset) {
+        storeLanes(place, offset, vector(call.getArgOperand(argument)));
+    };
     auto mode = static_cast<abi::LodMode>(number(call, ModeArgument, 4));
     word(b.getInt32(static_cast<uint32_t>(mode)), offsetof(abi::SampleCall, lodMode));
     word(b.getInt32(options_.stage == Stage::Fragment), offsetof(abi::SampleCall, stage));
-    for (unsigned i = 0; i < 3; ++i) word(uniform(call.getArgOperand(OffsetArgument + i)), offsetof(abi::SampleCall, offset) + i * sizeof(int32_t));
+    for (unsigned i = 0; i < 3; ++i)
+        word(uniform(call.getArgOperand(OffsetArgument + i)), offsetof(abi::SampleCall, offset) + i * sizeof(int32_t));
     word(uniform(call.getArgOperand(MinLodArgument)), offsetof(abi::SampleCall, minLodClamp));
     word(b.getInt32(0), offsetof(abi::SampleCall, compareValueUsed));
-    for (unsigned i = 0; i < 3; ++i) lanes(CoordinateArgument + i, offsetof(abi::SampleCall, coordinate) + i * LaneBytes);
+    for (unsigned i = 0; i < 3; ++i)
+        lanes(CoordinateArgument + i, offsetof(abi::SampleCall, coordinate) + i * LaneBytes);
     lanes(LayerArgument, offsetof(abi::SampleCall, layer));
     if (mode == abi::LodMode::Bias || mode == abi::LodMode::Level) lanes(LodArgument, offsetof(abi::SampleCall, lod));
     if (mode != abi::LodMode::Gradient) return;
@@ -144,15 +175,18 @@ void Widener::fillSample(CallInst& call, Value* place)
 void Widener::read(CallInst& call)
 {
     if (!readCall_) readCall_ = accessPlace(sizeof(abi::ReadCall), offsetof(abi::ReadCall, result));
-    auto lanes = [&](unsigned argument, uint64_t offset) { storeLanes(readCall_, offset, vector(call.getArgOperand(argument))); };
+    auto lanes = [&](unsigned argument, uint64_t offset) {
+        storeLanes(readCall_, offset, vector(call.getArgOperand(argument)));
+    };
     b.CreateStore(maskAsInteger(effectMask()), at(readCall_, offsetof(abi::ReadCall, counting)));
-    for (unsigned i = 0; i < 3; ++i) lanes(1 + i, offsetof(abi::ReadCall, coordinate) + i * LaneBytes);
+    for (unsigned i = 0; i < 3; ++i)
+        lanes(1 + i, offsetof(abi::ReadCall, coordinate) + i * LaneBytes);
     lanes(4, offsetof(abi::ReadCall, layer));
     lanes(5, offsetof(abi::ReadCall, level));
     emptyResults(at(readCall_, offsetof(abi::ReadCall, result)));
     forEachHandle(call.getArgOperand(0), HandleKind::Texture, mask_, [&](Value* image, Value* ofImage) {
         b.CreateStore(maskAsInteger(ofImage), at(readCall_, offsetof(abi::ReadCall, mask)));
-        callRuntime(reinterpret_cast<void*>(options_.runtime->read), {image, readCall_});
+        callRuntime(intrinsic::RuntimeRead, {image, readCall_});
     });
     accessResults(call, at(readCall_, offsetof(abi::ReadCall, result)));
 }
@@ -165,14 +199,16 @@ AllocaInst* Widener::accessPlace(uint64_t size, uint64_t results)
     place->setAlignment(Align(64));
     Value* zeros = Constant::getNullValue(wideType(b.getFloatTy()));
     for (uint64_t component = 0; component < 4; ++component)
-        entry.CreateAlignedStore(zeros, entry.CreateConstInBoundsGEP1_64(b.getInt8Ty(), place, results + component * LaneBytes), Align(4));
+        entry.CreateAlignedStore(
+            zeros, entry.CreateConstInBoundsGEP1_64(b.getInt8Ty(), place, results + component * LaneBytes), Align(4));
     return place;
 }
 
 /// Lanes whose texture is none of those bound find zeros.
 void Widener::emptyResults(Value* where)
 {
-    for (uint64_t component = 0; component < 4; ++component) storeLanes(where, component * LaneBytes, Constant::getNullValue(wideType(b.getFloatTy())));
+    for (uint64_t component = 0; component < 4; ++component)
+        storeLanes(where, component * LaneBytes, Constant::getNullValue(wideType(b.getFloatTy())));
 }
 
 /// The four components of an access wait in slots for the instructions that pick them.

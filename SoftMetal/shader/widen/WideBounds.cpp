@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// What keeps a program, however hostile, inside what it was given: accesses of buffers and tables are held against the size of
-// what their pointer was made from, and textures and samplers that were not plainly bound are looked up among those that were.
+// What keeps a program, however hostile, inside what it was given: accesses of buffers and tables are held against the
+// size of what their pointer was made from, and textures and samplers that were not plainly bound are looked up among
+// those that were.
 #include "shader/widen/Widener.h"
 
 #include <llvm/Analysis/ValueTracking.h>
@@ -10,16 +11,19 @@
 #include <algorithm>
 #include <cstddef>
 
-namespace softmetal::shader {
+namespace softmetal::shader
+{
 
 using namespace llvm;
 
-namespace {
+namespace
+{
 
 bool calls(const Value* value, std::string_view name)
 {
     const auto* call = dyn_cast<CallInst>(value);
-    return call && call->getCalledFunction() && call->getCalledFunction()->getName() == StringRef(name.data(), name.size());
+    return call && call->getCalledFunction() &&
+           call->getCalledFunction()->getName() == StringRef(name.data(), name.size());
 }
 
 /// Whether the value is one of the results of the given functions, whichever way control went, or null.
@@ -30,9 +34,12 @@ bool isResultOf(const Value* value, std::string_view first, std::string_view sec
     while (!open.empty()) {
         const Value* v = open.pop_back_val();
         if (!seen.insert(v).second) continue;
-        if (const auto* phi = dyn_cast<PHINode>(v)) open.append(phi->op_begin(), phi->op_end());
-        else if (const auto* select = dyn_cast<SelectInst>(v)) open.append({select->getTrueValue(), select->getFalseValue()});
-        else if (!calls(v, first) && !calls(v, second) && !isa<ConstantPointerNull, UndefValue>(v)) return false;
+        if (const auto* phi = dyn_cast<PHINode>(v))
+            open.append(phi->op_begin(), phi->op_end());
+        else if (const auto* select = dyn_cast<SelectInst>(v))
+            open.append({select->getTrueValue(), select->getFalseValue()});
+        else if (!calls(v, first) && !calls(v, second) && !isa<ConstantPointerNull, UndefValue>(v))
+            return false;
     }
     return true;
 }
@@ -48,7 +55,8 @@ uint64_t sizeKnown(const Value* object, const DataLayout& layout)
 
 } // namespace
 
-// ---- handles -------------------------------------------------------------------------------------------------------------
+// ---- handles
+// -------------------------------------------------------------------------------------------------------------
 
 const std::vector<CallInst*>& Widener::callsOf(std::string_view name)
 {
@@ -57,24 +65,29 @@ const std::vector<CallInst*>& Widener::callsOf(std::string_view name)
     for (Instruction& i : instructions(scalar_)) {
         if (!shader::calls(&i, name)) continue;
         auto* call = cast<CallInst>(&i);
-        bool known = std::any_of(place->second.begin(), place->second.end(),
-                                 [&](const CallInst* other) { return std::equal(call->arg_begin(), call->arg_end(), other->arg_begin()); });
+        bool known = std::any_of(place->second.begin(), place->second.end(), [&](const CallInst* other) {
+            return std::equal(call->arg_begin(), call->arg_end(), other->arg_begin());
+        });
         if (!known) place->second.push_back(call);
     }
     return place->second;
 }
 
-/// Hands on each texture or sampler that the pointer may be, with the lanes that chose it; a pointer to anything else is none.
-void Widener::forEachHandle(const Value* pointer, HandleKind kind, Value* mask, const std::function<void(Value*, Value*)>& use)
+/// Hands on each texture or sampler that the pointer may be, with the lanes that chose it; a pointer to anything else
+/// is none.
+void Widener::forEachHandle(const Value* pointer, HandleKind kind, Value* mask,
+                            const std::function<void(Value*, Value*)>& use)
 {
     std::string_view bound = kind == HandleKind::Texture ? intrinsic::Texture : intrinsic::Sampler;
     std::string_view written = kind == HandleKind::Texture ? intrinsic::Texture : intrinsic::ConstantSampler;
     if (!divergent(pointer) && isResultOf(pointer, bound, written)) return use(kept(pointer), mask);
     Value* chosen = vector(pointer);
     std::vector<Value*> handles;
-    for (CallInst* call : callsOf(bound)) handles.push_back(resource(call->getCalledFunction()->getName(), *call));
+    for (CallInst* call : callsOf(bound))
+        handles.push_back(resource(call->getCalledFunction()->getName(), *call));
     if (kind == HandleKind::Sampler)
-        for (CallInst* call : callsOf(written)) handles.push_back(constantSampler(*call));
+        for (CallInst* call : callsOf(written))
+            handles.push_back(constantSampler(*call));
     for (Value* handle : handles) {
         Value* lanes = b.CreateAnd(mask, b.CreateICmpEQ(chosen, b.CreateVectorSplat(lanes_, handle)));
         BasicBlock* body = BasicBlock::Create(context_, "", wide_, exit_);
@@ -88,7 +101,8 @@ void Widener::forEachHandle(const Value* pointer, HandleKind kind, Value* mask, 
     }
 }
 
-// ---- buffers and tables ----------------------------------------------------------------------------------------------------
+// ---- buffers and tables
+// ----------------------------------------------------------------------------------------------------
 
 /// What the pointer may have been made from. A pointer that was read from private memory may be any of them.
 std::vector<Value*> Widener::objectsOf(const Value* pointer)
@@ -98,8 +112,10 @@ std::vector<Value*> Widener::objectsOf(const Value* pointer)
     std::vector<Value*> objects;
     bool known = true;
     for (const Value* object : found) {
-        if (isa<GlobalVariable>(object) || shader::calls(object, intrinsic::Buffer)) objects.push_back(const_cast<Value*>(object));
-        else if (!isa<ConstantPointerNull, UndefValue>(object)) known = false;
+        if (isa<GlobalVariable>(object) || shader::calls(object, intrinsic::Buffer))
+            objects.push_back(const_cast<Value*>(object));
+        else if (!isa<ConstantPointerNull, UndefValue>(object))
+            known = false;
     }
     if (known) return objects;
     objects.assign(callsOf(intrinsic::Buffer).begin(), callsOf(intrinsic::Buffer).end());
@@ -114,11 +130,12 @@ bool Widener::isWithinKnownSize(const Value* pointer, const std::vector<Value*>&
     APInt offset(layout.getIndexTypeSizeInBits(pointer->getType()), 0);
     const Value* base = pointer->stripAndAccumulateConstantOffsets(layout, offset, true);
     uint64_t known = sizeKnown(base, layout);
-    return objects.size() == 1 && base == objects[0] && !offset.isNegative() && known >= size && offset.getZExtValue() <= known - size;
+    return objects.size() == 1 && base == objects[0] && !offset.isNegative() && known >= size &&
+           offset.getZExtValue() <= known - size;
 }
 
-/// Whether all bytes of an access lie within an object, for one address or for each; null when there is no doubt. The address is
-/// the pointer's or, in a copy, within reach of it.
+/// Whether all bytes of an access lie within an object, for one address or for each; null when there is no doubt. The
+/// address is the pointer's or, in a copy, within reach of it.
 Value* Widener::within(const Value* pointer, Value* address, uint64_t size, uint64_t reach)
 {
     std::vector<Value*> objects = objectsOf(pointer);
@@ -133,14 +150,18 @@ Value* Widener::within(const Value* pointer, Value* address, uint64_t size, uint
         if (auto* call = dyn_cast<CallInst>(object)) {
             uint64_t index = number(*call, 0, abi::MaxBuffers);
             base = resource(call->getCalledFunction()->getName(), *call);
-            length = given(b.getInt64Ty(), resources_, offsetof(abi::Resources, bufferLengths) + index * sizeof(uint64_t));
+            length =
+                given(b.getInt64Ty(), resources_, offsetof(abi::Resources, bufferLengths) + index * sizeof(uint64_t));
         }
-        Value* last = b.CreateSub(length, b.getInt64(size)); // below zero, and then beyond everything, where the object is too short
-        Value* inside = b.CreateICmpULE(b.CreateSub(place, spread(b.CreatePtrToInt(base, b.getInt64Ty()))), spread(last));
+        Value* last = b.CreateSub(
+            length, b.getInt64(size)); // below zero, and then beyond everything, where the object is too short
+        Value* inside =
+            b.CreateICmpULE(b.CreateSub(place, spread(b.CreatePtrToInt(base, b.getInt64Ty()))), spread(last));
         inside = b.CreateAnd(inside, spread(b.CreateICmpUGE(length, b.getInt64(size))));
         good = b.CreateOr(good, inside);
     }
-    noteOutside(objects, wide ? b.CreateAnd(effectMask(), b.CreateNot(good)) : b.CreateAnd(effectMask(), b.CreateVectorSplat(lanes_, b.CreateNot(good))));
+    noteOutside(objects, wide ? b.CreateAnd(effectMask(), b.CreateNot(good))
+                              : b.CreateAnd(effectMask(), b.CreateVectorSplat(lanes_, b.CreateNot(good))));
     return good;
 }
 
@@ -165,7 +186,7 @@ void Widener::reportOutside()
     BasicBlock* next = BasicBlock::Create(context_, "", wide_, exit_);
     b.CreateCondBr(b.CreateICmpNE(bits, b.getInt64(0)), body, next);
     b.SetInsertPoint(body);
-    callRuntime(reinterpret_cast<void*>(options_.runtime->outside), {bits, b.getInt32(options_.stage == Stage::Fragment)});
+    callRuntime(intrinsic::RuntimeOutside, {bits, b.getInt32(options_.stage == Stage::Fragment)});
     b.CreateBr(next);
     b.SetInsertPoint(next);
 }
@@ -175,14 +196,16 @@ Value* Widener::zerosOf(Type* type)
 {
     Type* words = ArrayType::get(b.getInt64Ty(), (bytes(type) + 7) / 8);
     GlobalVariable*& zeros = zeros_[words];
-    if (!zeros) zeros = new GlobalVariable(module_, words, true, GlobalValue::InternalLinkage, Constant::getNullValue(words));
+    if (!zeros)
+        zeros = new GlobalVariable(module_, words, true, GlobalValue::InternalLinkage, Constant::getNullValue(words));
     return zeros;
 }
 
 /// One value of all lanes.
 Value* Widener::loadUniform(const Value* pointer, Value* address, Type* type, Align alignment, uint64_t reach)
 {
-    if (Value* good = within(pointer, address, bytes(type), reach)) address = b.CreateSelect(good, address, zerosOf(type));
+    if (Value* good = within(pointer, address, bytes(type), reach))
+        address = b.CreateSelect(good, address, zerosOf(type));
     LoadInst* load = b.CreateAlignedLoad(type, address, alignment);
     if (!writesBuffers_) load->setMetadata(LLVMContext::MD_invariant_load, MDNode::get(context_, {}));
     return load;
@@ -192,7 +215,8 @@ Value* Widener::loadUniform(const Value* pointer, Value* address, Type* type, Al
 Value* Widener::loadLanes(const Value* pointer, Value* addresses, Type* type, Align alignment, uint64_t reach)
 {
     Value* good = within(pointer, addresses, bytes(type), reach);
-    return b.CreateMaskedGather(wideType(type), addresses, alignment, good ? b.CreateAnd(mask_, good) : mask_, Constant::getNullValue(wideType(type)));
+    return b.CreateMaskedGather(wideType(type), addresses, alignment, good ? b.CreateAnd(mask_, good) : mask_,
+                                Constant::getNullValue(wideType(type)));
 }
 
 void Widener::storeToLanes(const Value* pointer, Value* addresses, Value* value, Align alignment, uint64_t reach)

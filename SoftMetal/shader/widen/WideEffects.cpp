@@ -56,7 +56,7 @@ void Widener::write(CallInst& call)
         lanes(6 + i, offsetof(abi::WriteCall, value) + i * LaneBytes);
     forEachHandle(call.getArgOperand(0), HandleKind::Texture, effectMask(), [&](Value* image, Value* ofImage) {
         b.CreateStore(maskAsInteger(ofImage), at(writeCall_, offsetof(abi::WriteCall, mask)));
-        callRuntime(reinterpret_cast<void*>(options_.runtime->write), {image, writeCall_});
+        callRuntime(intrinsic::RuntimeWrite, {image, writeCall_});
     });
 }
 
@@ -83,7 +83,7 @@ Value* Widener::atomic(CallInst& call)
     storeLanes(atomicCall_, offsetof(abi::AtomicCall, operand), vector(call.getArgOperand(2)));
     storeLanes(atomicCall_, offsetof(abi::AtomicCall, expected), vector(call.getArgOperand(3)));
     storeLanes(atomicCall_, offsetof(abi::AtomicCall, before), Constant::getNullValue(number32));
-    callRuntime(reinterpret_cast<void*>(options_.runtime->atomic), {atomicCall_});
+    callRuntime(intrinsic::RuntimeAtomic, {atomicCall_});
     return b.CreateAlignedLoad(number32, at(atomicCall_, offsetof(abi::AtomicCall, before)), Align(4));
 }
 

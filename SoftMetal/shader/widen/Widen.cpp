@@ -6,19 +6,23 @@
 #include <llvm/ADT/PostOrderIterator.h>
 #include <llvm/IR/InstIterator.h>
 
-namespace softmetal::shader {
+namespace softmetal::shader
+{
 
 using namespace llvm;
 
 Widener::Widener(llvm::Function& scalar, const WidenOptions& options)
-    : options_(options), scalar_(scalar), module_(*scalar.getParent()), context_(module_.getContext()), b(context_), lanes_(options.lanes),
-      dominators_(scalar), loops_(dominators_), postDominators_(scalar), uniformity_(scalar, dominators_)
+    : options_(options), scalar_(scalar), module_(*scalar.getParent()), context_(module_.getContext()), b(context_),
+      lanes_(options.lanes), dominators_(scalar), loops_(dominators_), postDominators_(scalar),
+      uniformity_(scalar, dominators_)
 {
     maskType_ = FixedVectorType::get(b.getInt1Ty(), lanes_);
     maskBits_ = b.getIntNTy(lanes_);
     for (const Instruction& i : instructions(scalar)) {
-        if (const auto* store = dyn_cast<StoreInst>(&i)) writesBuffers_ |= memoryOf(store->getPointerOperand()) != Memory::Private;
-        if (const auto* copy = dyn_cast<MemIntrinsic>(&i)) writesBuffers_ |= memoryOf(copy->getDest()) != Memory::Private;
+        if (const auto* store = dyn_cast<StoreInst>(&i))
+            writesBuffers_ |= memoryOf(store->getPointerOperand()) != Memory::Private;
+        if (const auto* copy = dyn_cast<MemIntrinsic>(&i))
+            writesBuffers_ |= memoryOf(copy->getDest()) != Memory::Private;
         if (const auto* call = dyn_cast<CallInst>(&i)) writesBuffers_ |= isAtomic(*call);
     }
 }
@@ -29,7 +33,8 @@ llvm::Function* Widener::run(std::string& error)
     auto* type = FunctionType::get(b.getVoidTy(), {pointer, pointer, pointer}, false);
     wide_ = llvm::Function::Create(type, llvm::Function::ExternalLinkage, WideName, module_);
     wide_->addFnAttr(Attribute::NoUnwind);
-    for (unsigned i = 0; i < 3; ++i) wide_->addParamAttr(i, Attribute::NoAlias);
+    for (unsigned i = 0; i < 3; ++i)
+        wide_->addParamAttr(i, Attribute::NoAlias);
     input_ = wide_->getArg(0);
     output_ = wide_->getArg(1);
     resources_ = wide_->getArg(2);
@@ -59,9 +64,10 @@ void Widener::checkTypes()
 {
     for (const Instruction& i : instructions(scalar_)) {
         const Type* type = i.getType();
-        bool scalar = type->isVoidTy() || type->isPointerTy() || type->isHalfTy() || type->isFloatTy() || type->isDoubleTy() ||
-                      (type->isIntegerTy() && type->getIntegerBitWidth() <= 64);
-        if (!scalar && (!isa<CallInst>(i) || isa<IntrinsicInst>(i))) return fail("a vector, aggregate or large value is left in '" + Twine(i.getOpcodeName()) + "'");
+        bool scalar = type->isVoidTy() || type->isPointerTy() || type->isHalfTy() || type->isFloatTy() ||
+                      type->isDoubleTy() || (type->isIntegerTy() && type->getIntegerBitWidth() <= 64);
+        if (!scalar && (!isa<CallInst>(i) || isa<IntrinsicInst>(i)))
+            return fail("a vector, aggregate or large value is left in '" + Twine(i.getOpcodeName()) + "'");
     }
 }
 
@@ -70,12 +76,14 @@ void Widener::fail(const Twine& words)
     if (error_.empty()) error_ = words.str();
 }
 
-// ---- masks -----------------------------------------------------------------------------------------------------------
+// ---- masks
+// -----------------------------------------------------------------------------------------------------------
 
 void Widener::prepareMasks()
 {
     bool fragment = options_.stage == Stage::Fragment;
-    Value* covered = given(b.getInt32Ty(), input_, fragment ? offsetof(abi::FragmentInput, mask) : offsetof(abi::VertexInput, mask));
+    Value* covered =
+        given(b.getInt32Ty(), input_, fragment ? offsetof(abi::FragmentInput, mask) : offsetof(abi::VertexInput, mask));
     entryMask_ = toMask(fragment ? given(b.getInt32Ty(), input_, offsetof(abi::FragmentInput, live)) : covered);
     killed_ = slot(maskType_);
     limit_ = slot(b.getInt64Ty());
@@ -94,15 +102,28 @@ void Widener::finish()
 void Widener::emitStop()
 {
     startBlock(stop_);
-    callRuntime(reinterpret_cast<void*>(options_.runtime->loopLimitReached), {});
-    for (uint64_t offset : vertexOutputs_) storeLanes(output_, offset, Constant::getNullValue(wideType(b.getFloatTy())));
+    callRuntime(intrinsic::RuntimeLoopLimit, {});
+    for (uint64_t offset : vertexOutputs_)
+        storeLanes(output_, offset, Constant::getNullValue(wideType(b.getFloatTy())));
     b.CreateBr(exit_);
 }
 
-Value* Widener::toMask(Value* bits) { return b.CreateBitCast(b.CreateTrunc(bits, maskBits_), maskType_); }
-Value* Widener::maskAsInteger(Value* mask) { return b.CreateZExtOrTrunc(b.CreateBitCast(mask, maskBits_), b.getInt32Ty()); }
-Value* Widener::any(Value* mask) { return b.CreateICmpNE(b.CreateBitCast(mask, maskBits_), ConstantInt::get(maskBits_, 0)); }
-Value* Widener::none() { return Constant::getNullValue(maskType_); }
+Value* Widener::toMask(Value* bits)
+{
+    return b.CreateBitCast(b.CreateTrunc(bits, maskBits_), maskType_);
+}
+Value* Widener::maskAsInteger(Value* mask)
+{
+    return b.CreateZExtOrTrunc(b.CreateBitCast(mask, maskBits_), b.getInt32Ty());
+}
+Value* Widener::any(Value* mask)
+{
+    return b.CreateICmpNE(b.CreateBitCast(mask, maskBits_), ConstantInt::get(maskBits_, 0));
+}
+Value* Widener::none()
+{
+    return Constant::getNullValue(maskType_);
+}
 
 AllocaInst* Widener::slot(Type* type)
 {
@@ -112,9 +133,13 @@ AllocaInst* Widener::slot(Type* type)
     return place;
 }
 
-// ---- values ----------------------------------------------------------------------------------------------------------
+// ---- values
+// ----------------------------------------------------------------------------------------------------------
 
-Type* Widener::wideType(Type* type) { return FixedVectorType::get(type, lanes_); }
+Type* Widener::wideType(Type* type)
+{
+    return FixedVectorType::get(type, lanes_);
+}
 
 bool Widener::crossesBlocks(const Instruction* instruction) const
 {
@@ -166,12 +191,14 @@ Value* Widener::vector(const Value* value)
     return divergent(value) ? v : b.CreateVectorSplat(lanes_, v);
 }
 
-// ---- control flow ----------------------------------------------------------------------------------------------------
+// ---- control flow
+// ----------------------------------------------------------------------------------------------------
 
 Loop* Widener::commonLoop(const BasicBlock* from, const BasicBlock* to)
 {
     Loop* loop = loops_.getLoopFor(from);
-    while (loop && !loop->contains(to)) loop = loop->getParentLoop();
+    while (loop && !loop->contains(to))
+        loop = loop->getParentLoop();
     return loop;
 }
 
@@ -191,7 +218,8 @@ void Widener::clearEdges(Loop* loop)
     for (BasicBlock* block : loop->blocks())
         for (BasicBlock* next : successors(block))
             if (commonLoop(block, next) == loop) edgeSlot(block, next);
-    for (AllocaInst* place : regionEdges_[loop]) b.CreateStore(none(), place);
+    for (AllocaInst* place : regionEdges_[loop])
+        b.CreateStore(none(), place);
 }
 
 /// Lanes that come in along the given edges into a block.
@@ -258,7 +286,8 @@ void Widener::startBlock(BasicBlock* block)
 /// Every lane that enters the function comes by.
 bool Widener::isAlwaysReached(const BasicBlock* block)
 {
-    return !loops_.getLoopFor(block) && (block == &scalar_.getEntryBlock() || postDominators_.dominates(block, &scalar_.getEntryBlock()));
+    return !loops_.getLoopFor(block) &&
+           (block == &scalar_.getEntryBlock() || postDominators_.dominates(block, &scalar_.getEntryBlock()));
 }
 
 void Widener::emitBlock(BasicBlock* block)
@@ -283,8 +312,10 @@ void Widener::emitInstructions(BasicBlock* block)
 {
     for (Instruction& instruction : *block) {
         if (!error_.empty()) return; // what comes next may depend on what could not be written
-        if (isa<PHINode>(instruction)) kept(&instruction);
-        else if (!instruction.isTerminator()) emit(instruction);
+        if (isa<PHINode>(instruction))
+            kept(&instruction);
+        else if (!instruction.isTerminator())
+            emit(instruction);
     }
     emitTerminator(block->getTerminator());
 }
@@ -296,13 +327,16 @@ void Widener::emitTerminator(Instruction* terminator)
     if (!branch) return fail("a kind of branch that is not supported");
     BasicBlock* from = terminator->getParent();
     BasicBlock* first = branch->getSuccessor(0);
-    if (branch->isUnconditional() || first == branch->getSuccessor(1)) return takeEdges(from, {{first, mask_, nullptr}});
+    if (branch->isUnconditional() || first == branch->getSuccessor(1))
+        return takeEdges(from, {{first, mask_, nullptr}});
     BasicBlock* second = branch->getSuccessor(1);
     Value* taken = kept(branch->getCondition());
     Value* other = b.CreateNot(taken);
     if (divergent(branch->getCondition()))
-        return takeEdges(from, {{first, b.CreateSelect(mask_, taken, none()), nullptr}, {second, b.CreateSelect(mask_, other, none()), nullptr}});
-    takeEdges(from, {{first, b.CreateSelect(taken, mask_, none()), taken}, {second, b.CreateSelect(other, mask_, none()), other}});
+        return takeEdges(from, {{first, b.CreateSelect(mask_, taken, none()), nullptr},
+                                {second, b.CreateSelect(mask_, other, none()), nullptr}});
+    takeEdges(from, {{first, b.CreateSelect(taken, mask_, none()), taken},
+                     {second, b.CreateSelect(other, mask_, none()), other}});
 }
 
 /// Lanes go on to the next blocks. All values are read before any is overwritten.
@@ -329,8 +363,10 @@ void Widener::takeEdges(BasicBlock* from, const std::vector<Edge>& edges)
         AllocaInst* target = slotOf(a.phi);
         Value* old = b.CreateLoad(target->getAllocatedType(), target);
         Value* value = a.value;
-        if (divergent(a.phi)) value = b.CreateSelect(a.edge->mask, value, old);
-        else if (a.edge->condition) value = b.CreateSelect(a.edge->condition, value, old);
+        if (divergent(a.phi))
+            value = b.CreateSelect(a.edge->mask, value, old);
+        else if (a.edge->condition)
+            value = b.CreateSelect(a.edge->condition, value, old);
         b.CreateStore(value, target);
     }
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// Turns the scalar entry point into a function over lanes. Control flow that differs between lanes becomes masks: blocks
-// are laid out in a topological order, each guarded by "is any lane here", and values that cross blocks go through stack
-// slots, which the optimiser turns back into registers. Values that are equal in all lanes stay scalar.
+// Turns the scalar entry point into a function over lanes. Control flow that differs between lanes becomes masks:
+// blocks are laid out in a topological order, each guarded by "is any lane here", and values that cross blocks go
+// through stack slots, which the optimiser turns back into registers. Values that are equal in all lanes stay scalar.
 #pragma once
 
 #include "shader/Compiler.h"
@@ -10,13 +10,13 @@
 
 #include <string>
 
-namespace softmetal::shader {
+namespace softmetal::shader
+{
 
 struct WidenOptions
 {
     uint32_t lanes = 8;
     Stage stage = Stage::Vertex;
-    const abi::RuntimeTable* runtime = nullptr;
     uint64_t loopLimit = 1u << 20; // back edges in one call, over all loops
 };
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// The class behind widen(): state of one run. Control flow is in Widen.cpp, single instructions in WideInstructions.cpp,
-// memory in WideMemory.cpp and WideBounds.cpp, stage inputs and outputs in WideCalls.cpp, texture accesses in WideAccesses.cpp, effects on memory through the runtime in
-// WideEffects.cpp.
+// The class behind widen(): state of one run. Control flow is in Widen.cpp, single instructions in
+// WideInstructions.cpp, memory in WideMemory.cpp and WideBounds.cpp, stage inputs and outputs in WideCalls.cpp, texture
+// accesses in WideAccesses.cpp, effects on memory through the runtime in WideEffects.cpp.
 #pragma once
 
 #include "shader/Intrinsics.h"
@@ -21,7 +21,8 @@
 #include <unordered_map>
 #include <vector>
 
-namespace softmetal::shader {
+namespace softmetal::shader
+{
 
 class Widener
 {
@@ -46,7 +47,10 @@ private:
     // values
     llvm::AllocaInst* slot(llvm::Type* type);
     llvm::Type* wideType(llvm::Type* type);
-    bool divergent(const Value* value) const { return !llvm::isa<llvm::Constant>(value) && uniformity_.divergent(value); }
+    bool divergent(const Value* value) const
+    {
+        return !llvm::isa<llvm::Constant>(value) && uniformity_.divergent(value);
+    }
     bool crossesBlocks(const llvm::Instruction* instruction) const;
     llvm::AllocaInst* slotOf(const Value* value);
     void define(const llvm::Instruction* instruction, Value* value);
@@ -108,20 +112,27 @@ private:
     Value* givenLanes(llvm::Type* type, Value* base, uint64_t offset);
     void storeLanes(Value* base, uint64_t offset, Value* value);
     void storeResult(uint64_t offset, Value* value);
-    llvm::CallInst* callRuntime(void* function, const std::vector<Value*>& arguments);
+    llvm::CallInst* callRuntime(std::string_view name, const std::vector<Value*>& arguments);
     uint64_t number(const llvm::CallInst& call, unsigned argument, uint64_t end);
 
     // bounds
-    enum class HandleKind { Texture, Sampler };
+    enum class HandleKind
+    {
+        Texture,
+        Sampler
+    };
     const std::vector<llvm::CallInst*>& callsOf(std::string_view name);
-    void forEachHandle(const Value* pointer, HandleKind kind, Value* mask, const std::function<void(Value* handle, Value* mask)>& use);
+    void forEachHandle(const Value* pointer, HandleKind kind, Value* mask,
+                       const std::function<void(Value* handle, Value* mask)>& use);
     std::vector<Value*> objectsOf(const Value* pointer);
     bool isWithinKnownSize(const Value* pointer, const std::vector<Value*>& objects, uint64_t size) const;
     Value* within(const Value* pointer, Value* address, uint64_t size, uint64_t reach);
     void noteOutside(const std::vector<Value*>& objects, Value* lanes);
     Value* zerosOf(llvm::Type* type);
-    Value* loadUniform(const Value* pointer, Value* address, llvm::Type* type, llvm::Align alignment, uint64_t reach = 0);
-    Value* loadLanes(const Value* pointer, Value* addresses, llvm::Type* type, llvm::Align alignment, uint64_t reach = 0);
+    Value* loadUniform(const Value* pointer, Value* address, llvm::Type* type, llvm::Align alignment,
+                       uint64_t reach = 0);
+    Value* loadLanes(const Value* pointer, Value* addresses, llvm::Type* type, llvm::Align alignment,
+                     uint64_t reach = 0);
     void storeToLanes(const Value* pointer, Value* addresses, Value* value, llvm::Align alignment, uint64_t reach = 0);
     void reportOutside();
 

@@ -10,8 +10,10 @@
 #include <fstream>
 #include <thread>
 
-namespace widentest {
-namespace {
+namespace widentest
+{
+namespace
+{
 
 const std::string MultiplyAdd = program(R"(
   %x = call float @softmetal_varying(i32 0, i32 0)
@@ -44,7 +46,8 @@ TEST(Code, HasNoFusedMultiplyAdd)
     for (uint32_t lanes : Widths) {
         std::string text = listing(MultiplyAdd, Stage::Fragment, lanes);
         EXPECT_NE(text.find("mulps"), std::string::npos);
-        for (const char* fused : {"fmadd", "fmsub", "fnmadd", "fnmsub", "rcp", "rsqrt"}) EXPECT_EQ(text.find(fused), std::string::npos) << fused << "\n" << text;
+        for (const char* fused : {"fmadd", "fmsub", "fnmadd", "fnmsub", "rcp", "rsqrt"})
+            EXPECT_EQ(text.find(fused), std::string::npos) << fused << "\n" << text;
     }
 }
 
@@ -74,7 +77,8 @@ loop:
 end:
   call void @softmetal_store_color(i32 0, i32 0, float %v)
   ret void
-)"), Stage::Fragment, 16, world);
+)"),
+                              Stage::Fragment, 16, world);
     EXPECT_EQ(results.mask, 0u);
 }
 
@@ -88,9 +92,11 @@ uint64_t mappedPages()
 
 TEST(Code, MemoryIsFreedWithItsOwner)
 {
-    for (int i = 0; i < 20; ++i) refusal(MultiplyAdd, Stage::Fragment);
+    for (int i = 0; i < 20; ++i)
+        refusal(MultiplyAdd, Stage::Fragment);
     uint64_t before = mappedPages();
-    for (int i = 0; i < 200; ++i) refusal(MultiplyAdd, Stage::Fragment);
+    for (int i = 0; i < 200; ++i)
+        refusal(MultiplyAdd, Stage::Fragment);
     EXPECT_LT(mappedPages(), before + 600) << "200 functions of three pages each";
 }
 
@@ -105,8 +111,10 @@ TEST(Code, IsMadeByManyThreadsAtOnce)
                 words[t] = runWide(MultiplyAdd, Stage::Fragment, Widths[t % Widths.size()], world).words[0];
             }
         });
-    for (std::thread& thread : threads) thread.join();
-    for (const auto& one : words) EXPECT_EQ(one, words[0]);
+    for (std::thread& thread : threads)
+        thread.join();
+    for (const auto& one : words)
+        EXPECT_EQ(one, words[0]);
 }
 
 TEST(Code, OutlivesItsGenerator)
@@ -129,6 +137,33 @@ TEST(Code, OutlivesItsGenerator)
     reinterpret_cast<abi::FragmentFunction>(code->address())(&input, &output, &world.resources);
     EXPECT_EQ(output.mask, 1u);
     EXPECT_GT(times.generate, 0.0);
+}
+
+TEST(Code, RunsAgainFromItsBytes)
+{
+    // Constants beside the code and a call into the runtime, wherever the copy lies.
+    llvm::LLVMContext context;
+    llvm::SMDiagnostic problem;
+    auto module = llvm::parseAssemblyString(Endless, problem, context);
+    softmetal::shader::cleanUp(*module);
+    softmetal::shader::CompileTimes times;
+    std::string error;
+    auto code =
+        softmetal::shader::makeGenerator(runtimeTable(), 8, error)->generate(*module, Stage::Vertex, times, error);
+    ASSERT_TRUE(code) << error;
+    const softmetal::shader::MachineCode copy = code->machineCode();
+    code.reset();
+    for (int i = 0; i < 3; ++i) {
+        auto loaded = softmetal::shader::LoadedCode::load(copy, runtimeTable(), error);
+        ASSERT_TRUE(loaded) << error;
+        World world;
+        abi::VertexInput input{};
+        input.mask = 0xff;
+        abi::VertexOutput output{};
+        uint32_t before = stoppedLoops();
+        reinterpret_cast<abi::VertexFunction>(loaded->address())(&input, &output, &world.resources);
+        EXPECT_EQ(stoppedLoops() - before, 1u);
+    }
 }
 
 } // namespace
