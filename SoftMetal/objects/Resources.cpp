@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <bit>
 #include <cstdlib>
 #include <cstring>
 #include <new>
@@ -99,9 +100,8 @@ constexpr NS::UInteger LargestSide = 16384, LargestDepth = 2048, LongestArray = 
 NS::UInteger longestChain(const TextureDescriptorObject& d)
 {
     if (isOneDimensional(d.textureType)) return 1;
-    NS::UInteger largest = std::max({d.width, d.height, d.depth}), levels = 1;
-    while (largest >> levels) ++levels;
-    return std::min<NS::UInteger>(levels, abi::MaxLevels);
+    const int levels = std::bit_width(std::max({d.width, d.height, d.depth, NS::UInteger{1}})); // sides come unchecked
+    return std::min<NS::UInteger>(static_cast<NS::UInteger>(levels), abi::MaxLevels);
 }
 
 /// Every rule that a texture's description must meet.
