@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Where the time between a program's text and its machine code goes: each of the demo's programs is translated, parsed,
-// specialised, optimised, widened and generated some times over, and the median of each stage is printed in milliseconds.
+// specialised, optimised, widened and generated some times over, and the median of each stage is printed in
+// milliseconds.
 #include "DemoPrograms.h"
 #include "ShaderString.h"
 #include "shader/Compiler.h"
@@ -14,7 +15,8 @@
 
 #include <dlfcn.h>
 
-namespace {
+namespace
+{
 
 using namespace softmetal::shader;
 using Clock = std::chrono::steady_clock;
@@ -33,7 +35,9 @@ Compiler* openCompiler()
                                            [](const abi::Texture*, const abi::Sampler*, abi::SampleCall*, uint32_t) {},
                                            [](const abi::Texture*, abi::ReadCall*) {},
                                            [] {},
-                                           [](uint64_t, uint32_t) {}};
+                                           [](uint64_t, uint32_t) {},
+                                           [](const abi::Texture*, const abi::WriteCall*) {},
+                                           [](abi::AtomicCall*) {}};
     void* library = dlopen(ZAL_COMPILER, RTLD_NOW | RTLD_LOCAL);
     auto door = library ? reinterpret_cast<OpenCompiler>(dlsym(library, "softmetal_open_compiler")) : nullptr;
     return door ? door(&runtime, Lanes) : nullptr;
@@ -85,17 +89,21 @@ bool once(Compiler& compiler, std::string_view program, std::vector<Step>& stage
     const FunctionReflection& described = *library->describe(name);
     auto function = library->specialise(name, constantsOf(described), messages);
     if (!function) return std::fprintf(stderr, "%s\n", messages.c_str()), false;
-    bool made = described.stage == Stage::Vertex ? function->vertexCode(messages) != nullptr : function->fragmentCode(messages) != nullptr;
+    bool made = described.stage == Stage::Vertex ? function->vertexCode(messages) != nullptr
+                                                 : function->fragmentCode(messages) != nullptr;
     if (!made) return std::fprintf(stderr, "%s\n", messages.c_str()), false;
     CompileTimes times = function->times();
-    double values[] = {translation, library->times().parse, times.specialise, times.optimise, times.widen, times.generate};
-    for (size_t i = 0; i < stages.size(); ++i) stages[i].times.push_back(values[i]);
+    double values[] = {translation, library->times().parse, times.specialise, times.optimise,
+                       times.widen, times.generate};
+    for (size_t i = 0; i < stages.size(); ++i)
+        stages[i].times.push_back(values[i]);
     return true;
 }
 
 bool printStages(Compiler& compiler, const char* name, std::string_view program, int repeats)
 {
-    std::vector<Step> stages = {{"translate", {}}, {"parse", {}}, {"specialise", {}}, {"optimise", {}}, {"widen", {}}, {"generate", {}}};
+    std::vector<Step> stages = {{"translate", {}}, {"parse", {}}, {"specialise", {}},
+                                {"optimise", {}},  {"widen", {}}, {"generate", {}}};
     for (int i = 0; i <= repeats; ++i)
         if (!once(compiler, program, stages)) return false;
     std::printf("%-18s %-9s", name, "ms");
