@@ -42,8 +42,11 @@ public:
             threads_.emplace_back([this] { work(); });
     }
 
-    ~Pool()
+    /// The threads end once what runs has run; whoever comes later, such as a queue that still works while the process ends,
+    /// works alone.
+    void stop()
     {
+        std::lock_guard turn(turn_);
         {
             std::lock_guard lock(mutex_);
             stopping_ = true;
@@ -51,6 +54,7 @@ public:
         wake_.notify_all();
         for (std::thread& thread : threads_)
             thread.join();
+        threads_.clear();
     }
 
     void run(size_t count, const std::function<void(size_t)>& body)
@@ -104,9 +108,18 @@ private:
     bool stopping_ = false;
 };
 
+/// Stops a pool with the process's end. The pool itself stays: a queue's thread may still be inside.
+struct Stopper
+{
+    explicit Stopper(Pool& stopped) : pool(stopped) {}
+    ~Stopper() { pool.stop(); }
+    Pool& pool;
+};
+
 Pool& pool()
 {
-    static Pool instance(chosen());
+    static Pool& instance = *new Pool(chosen());
+    static Stopper stopper(instance);
     return instance;
 }
 

@@ -3,6 +3,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <cstdlib>
 #include <thread>
 
 namespace device_test {
@@ -219,6 +220,34 @@ TEST_F(CommandBuffer, OneQueueTakesWorkFromSeveralThreads)
         });
     for (auto& thread : threads) thread.join();
     EXPECT_EQ(std::vector<uint8_t>(256, 1), std::vector<uint8_t>(static_cast<uint8_t*>(b->contents()), static_cast<uint8_t*>(b->contents()) + 256));
+}
+
+// ---- the end of the process ---------------------------------------------------------------------------------------------
+
+/// Commits passes and does not wait for them.
+[[noreturn]] void endWhileWorkRuns()
+{
+    auto* pool = NS::AutoreleasePool::alloc()->init();
+    auto* device = MTL::CreateSystemDefaultDevice();
+    auto* queue = device->newCommandQueue();
+    auto* d = MTL::RenderPassDescriptor::renderPassDescriptor();
+    auto* color = MTL::TextureDescriptor::texture2DDescriptor(MTL::PixelFormatRGBA8Unorm, 512, 512, false);
+    color->setUsage(MTL::TextureUsageRenderTarget);
+    d->colorAttachments()->object(0)->setTexture(device->newTexture(color));
+    d->colorAttachments()->object(0)->setLoadAction(MTL::LoadActionClear);
+    for (int i = 0; i < 40; ++i) {
+        auto* commands = queue->commandBuffer();
+        commands->renderCommandEncoder(d)->endEncoding();
+        commands->commit();
+    }
+    pool->release();
+    std::exit(0);
+}
+
+TEST(CommandBufferDeathTest, ProcessMayEndWhileWorkRuns)
+{
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    for (int i = 0; i < 20; ++i) EXPECT_EXIT(endWhileWorkRuns(), ::testing::ExitedWithCode(0), "");
 }
 
 } // namespace device_test
