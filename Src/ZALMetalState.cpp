@@ -106,8 +106,7 @@ void ZALMetalState::commandBufferEnd()
 void ZALMetalState::commandBufferWaitUntilCompleted()
 {
     endEncoders();
-    if (!_commandBuffer) return;
-    commit()->waitUntilCompleted();
+    if (_commandBuffer) commit()->waitUntilCompleted();
     reportFailures();
 }
 

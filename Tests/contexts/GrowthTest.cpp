@@ -78,6 +78,7 @@ protected:
         last->commit();
         last->waitUntilCompleted();
         pool->release();
+        commands().commandBufferWaitUntilCompleted(); // looks at the ones that have ended
         int64_t alive = SoftMetal::objectsAlive();
         for (int same = 0; same < 10;) {
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
