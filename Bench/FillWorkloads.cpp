@@ -114,7 +114,7 @@ std::unique_ptr<Run> makeFillDemo(Host& host, std::string& error)
 std::unique_ptr<Run> makeShaderLong(Host& host, std::string& error)
 {
     std::string text = "!!ARBfp1.0\nTEMP a, b, c;\nMOV a, fragment.texcoord[0];\nMOV b, a;\nMOV c, 0.5;\n";
-    constexpr std::array Statements = {"MAD a, a, b, c;\n", "MUL c, a, b;\n", "DP3 b.x, a, c;\n", "MAX c, b, -a;\n", "ADD b, c, a;\n", "FRC a, b;\n"};
+    constexpr std::array Statements = {"MAD a, a, b, c;\n", "MUL c, a, b;\n", "DP3 b.x, a, c;\n", "MAX c, b, -a;\n", "ADD b, c, a;\n", "MUL a, b, 0.25;\n"};
     for (int i = 0; i < 60; ++i) text += Statements[static_cast<size_t>(i) % Statements.size()];
     if (!usePrograms(PassVertexProgram, text + "MOV result.color, a;\nEND\n", error)) return nullptr;
     useQuad();

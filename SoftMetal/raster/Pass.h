@@ -121,6 +121,7 @@ struct DrawCall
     const void* indices = nullptr; // null: not indexed
     uint64_t indexBytes = 0;       // readable from indices
     uint8_t indexType = 0;         // MTL::IndexType
+    uint32_t firstPrimitive = 0;   // number of the first one, of a call that is a part of another
 };
 
 /// Lanes that the process's shader functions were compiled for: 4, 8 or 16. Set once, before the first pass.

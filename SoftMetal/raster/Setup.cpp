@@ -43,7 +43,8 @@ public:
     void run(const DrawCall& call, const VertexList& list, const ShadedVertices& shaded)
     {
         shaded_ = &shaded;
-        primitiveId_ = 0;
+        primitiveId_ = call.firstPrimitive;
+        measureReach();
         const std::vector<uint32_t>& p = list.places;
         switch (call.primitive) {
         case Point:
@@ -164,7 +165,6 @@ private:
     void triangle(uint32_t i, uint32_t j, uint32_t k)
     {
         if (i == VertexList::Restart || j == VertexList::Restart || k == VertexList::Restart) return;
-        if (primitiveId_ == 0) measureReach();
         const float *a = shaded_->at(i), *b = shaded_->at(j), *c = shaded_->at(k);
         uint32_t id = primitiveId_++;
         if (!finite(a) || !finite(b) || !finite(c)) return;
@@ -196,7 +196,6 @@ private:
     void line(uint32_t i, uint32_t j)
     {
         if (i == VertexList::Restart || j == VertexList::Restart) return;
-        measureReach();
         const float *a = shaded_->at(i), *b = shaded_->at(j);
         uint32_t id = primitiveId_++, n = shaded_->stride;
         if (!finite(a) || !finite(b)) return;
@@ -231,7 +230,6 @@ private:
     void point(uint32_t i)
     {
         if (i == VertexList::Restart) return;
-        measureReach();
         const float* v = shaded_->at(i);
         uint32_t id = primitiveId_++;
         if (!finite(v) || !inside(v)) return;
@@ -348,6 +346,11 @@ void setUp(const DrawCall& call, uint32_t width, uint32_t height, uint32_t depth
     draw.planesEach = 2 + static_cast<uint32_t>(draw.state.pipeline->inputMap.size());
     VertexList list = listVertices(call);
     if (list.ids.empty()) return;
+    if (call.primitive == TriangleList) { // nearly always as many as come out
+        const size_t triangles = list.places.size() / 3;
+        draw.triangles.reserve(triangles);
+        draw.planes.reserve(triangles * draw.planesEach);
+    }
     SetUp work(width, height, depthFormat, draw);
     for (uint32_t i = 0; i < call.instanceCount; ++i) work.run(call, list, shade(draw.state, call, list, call.baseInstance + i));
 }

@@ -57,6 +57,13 @@ public:
         threads_.clear();
     }
 
+    /// Whether this thread is in a loop already.
+    static bool& inside()
+    {
+        static thread_local bool is = false;
+        return is;
+    }
+
     void run(size_t count, const std::function<void(size_t)>& body)
     {
         std::lock_guard turn(turn_);
@@ -77,8 +84,10 @@ public:
 private:
     void takeAll(size_t count, const std::function<void(size_t)>& body)
     {
+        inside() = true;
         for (size_t i = next_++; i < count; i = next_++)
             body(i);
+        inside() = false;
     }
 
     void work()
@@ -127,7 +136,7 @@ Pool& pool()
 
 void parallelFor(size_t count, const std::function<void(size_t)>& body)
 {
-    if (count > 1 && threadCount() > 1) return pool().run(count, body);
+    if (count > 1 && threadCount() > 1 && !Pool::inside()) return pool().run(count, body);
     for (size_t i = 0; i < count; ++i)
         body(i);
 }
