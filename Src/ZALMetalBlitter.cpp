@@ -183,6 +183,10 @@ bool CopyTexSubImage2D(ZALMetalBlitter* blitter, MTL::Device* device, MTL::Comma
 {
     auto* pool = NS::AutoreleasePool::alloc()->init();
     Target target = chooseTarget(device, dst, srcSize, dstOrigin, dstSlice, dstLevel);
+    if (!target.texture) { // no memory, or a size that no texture has
+        pool->release();
+        return true;
+    }
     bool depth = isDepthFormat(dst->pixelFormat());
     commandBuffer->pushDebugGroup(text("ZALMetalBlitter, CopyTexSubImage2D"));
     MTL::RenderCommandEncoder* encoder = openPass(commandBuffer, target, depth);

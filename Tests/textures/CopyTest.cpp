@@ -185,6 +185,30 @@ TEST_P(Copy, BeyondTheEdgesIsReportedAndIgnored)
     EXPECT_EQ(glGetError(), GL_NO_ERROR);
 }
 
+TEST_P(Copy, OfAnotherFormatAndNoSizeIsNothing)
+{
+    places(MTL::PixelFormatBGRA8Unorm);
+    empty(GL_TEXTURE_2D, GL_RGB8);
+    const Bytes before = image(GL_TEXTURE_2D, 0, GL_RGBA, GL_UNSIGNED_BYTE, 64);
+    for (auto [width, height] : {std::pair(0, 1), std::pair(1, 0), std::pair(-1, 3), std::pair(INT32_MAX, 1)})
+        glCopyTexSubImage2D(GL_TEXTURE_2D, 0, 2, 0, 1, 1, width, height);
+    SoftMetal::takeMessages(); // the texture that cannot be made
+    EXPECT_EQ(glGetError(), GL_NO_ERROR);
+    EXPECT_EQ(image(GL_TEXTURE_2D, 0, GL_RGBA, GL_UNSIGNED_BYTE, 64), before);
+}
+
+TEST_P(Copy, WithoutMemoryIsNothingAndTheNextOneIsMade)
+{
+    places(MTL::PixelFormatBGRA8Unorm);
+    empty(GL_TEXTURE_2D, GL_RGB8);
+    const Bytes before = image(GL_TEXTURE_2D, 0, GL_RGBA, GL_UNSIGNED_BYTE, 64);
+    SoftMetal::injectFault("newTexture", 1, false);
+    glCopyTexSubImage2D(GL_TEXTURE_2D, 0, 2, 0, 1, 1, 2, 3);
+    EXPECT_EQ(image(GL_TEXTURE_2D, 0, GL_RGBA, GL_UNSIGNED_BYTE, 64), before);
+    SoftMetal::clearFaults();
+    copyAndExpect(GL_TEXTURE_2D);
+}
+
 TEST_P(Copy, TheOthersAreNotOffered)
 {
     places(MTL::PixelFormatBGRA8Unorm);
