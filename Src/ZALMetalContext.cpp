@@ -193,6 +193,7 @@ int ZALMetalContextRelease(ZALMetalContext* context)
         data->captureScope = nullptr;
     }
     data->metalState->commandBufferWaitUntilCompleted();
+    data->metalState->waitForCommitted();
     ZALMetalContextDrawableRelease(context);
     if (context->drawable->view)
         CFNotificationCenterRemoveObserver(CFNotificationCenterGetLocalCenter(), context, NSViewFrameDidChangeNotification, context->drawable->view);

@@ -110,6 +110,12 @@ void ZALMetalState::commandBufferWaitUntilCompleted()
     reportFailures();
 }
 
+void ZALMetalState::waitForCommitted()
+{
+    if (!_committed.empty()) _committed.back()->waitUntilCompleted();
+    reportFailures();
+}
+
 MTL::RenderCommandEncoder* ZALMetalState::getOrCreateCommandEncoder(ZALGLState* state)
 {
     if (!_renderPassCmdEncoder) [[unlikely]] {

@@ -30,6 +30,8 @@ public:
     void commandBufferEnd();
     /// Commits and waits until the work is done.
     void commandBufferWaitUntilCompleted();
+    /// Waits for what was committed before as well, which the call above leaves alone.
+    void waitForCommitted();
     MTL::CommandBuffer* commandBufferGetCurrent() const { return _commandBuffer; }
     MTL::RenderCommandEncoder* getOrCreateCommandEncoder(ZALGLState* state);
     MTL::BlitCommandEncoder* getOrCreateBlitCommandEncoder();

@@ -46,6 +46,26 @@ TEST_F(Lifetime, MakingNoneCurrentCommitsAndLeavesNone)
     EXPECT_EQ(count("commit"), 0u);
 }
 
+TEST_F(Lifetime, DestroyingWaitsForWorkThatWasCommittedBefore)
+{
+    MTL::CommandQueue* ownQueue = device->newCommandQueue(); // nothing of the other queue waits for it
+    ZALMetalContext* other = nullptr;
+    ASSERT_EQ(ZALMetalContextInitFromMTLCommandQueue(other, nullptr, ownQueue), 0);
+    ASSERT_EQ(ZALMetalContextSetMetalDrawable(other, color, nullptr), 0);
+    glClearColor(0, 0, 1, 1);
+    glClear(GL_COLOR_BUFFER_BIT);
+    SoftMetal::setCommandBufferDelay(50);
+    glFlush();
+    ZALMetalContextDestroy(other);
+    SoftMetal::setCommandBufferDelay(0);
+    ZALMetalContextMakeCurrent(context);
+    uint8_t pixel[4] = {};
+    color->getBytes(pixel, 4, MTL::Region(1, 1, 1, 1), 0);
+    EXPECT_EQ(pixel[0], 255) << "blue comes first";
+    EXPECT_EQ(pixel[3], 255);
+    ownQueue->release();
+}
+
 TEST_F(Lifetime, CreatingAContextCommitsTheOthersWork)
 {
     record();
