@@ -51,7 +51,13 @@ TEST_F(Lifetime, DestroyingWaitsForWorkThatWasCommittedBefore)
     MTL::CommandQueue* ownQueue = device->newCommandQueue(); // nothing of the other queue waits for it
     ZALMetalContext* other = nullptr;
     ASSERT_EQ(ZALMetalContextInitFromMTLCommandQueue(other, nullptr, ownQueue), 0);
-    ASSERT_EQ(ZALMetalContextSetMetalDrawable(other, color, nullptr), 0);
+    auto* pool = NS::AutoreleasePool::alloc()->init();
+    auto* descriptor = MTL::TextureDescriptor::texture2DDescriptor(MTL::PixelFormatBGRA8Unorm, 4, 4, false);
+    descriptor->setStorageMode(MTL::StorageModeManaged);
+    descriptor->setUsage(MTL::TextureUsageRenderTarget);
+    MTL::Texture* target = device->newTexture(descriptor);
+    pool->release();
+    ASSERT_EQ(ZALMetalContextSetMetalDrawable(other, target, nullptr), 0);
     glClearColor(0, 0, 1, 1);
     glClear(GL_COLOR_BUFFER_BIT);
     SoftMetal::setCommandBufferDelay(50);
@@ -60,9 +66,10 @@ TEST_F(Lifetime, DestroyingWaitsForWorkThatWasCommittedBefore)
     SoftMetal::setCommandBufferDelay(0);
     ZALMetalContextMakeCurrent(context);
     uint8_t pixel[4] = {};
-    color->getBytes(pixel, 4, MTL::Region(1, 1, 1, 1), 0);
+    target->getBytes(pixel, 4, MTL::Region(1, 1, 1, 1), 0);
     EXPECT_EQ(pixel[0], 255) << "blue comes first";
     EXPECT_EQ(pixel[3], 255);
+    target->release();
     ownQueue->release();
 }
 
