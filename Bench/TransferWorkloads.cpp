@@ -94,6 +94,7 @@ constexpr std::array Table = {
     Workload{"buffer_256", "us", false, 1e6, "glBufferSubData of 256 bytes", makeBuffer<256, 1000>},
     Workload{"buffer_1m", "us", false, 1e6, "as buffer_256, 1 MiB", makeBuffer<1 << 20, 10>},
     Workload{"swap", "ms", false, 1e3, "clear and present the target", makeSwap},
+    Workload{"swap_4k", "ms", false, 1e3, "as swap, 3840 x 2160", makeSwap, 3840, 2160},
 };
 
 } // namespace

@@ -31,6 +31,7 @@ struct Workload
     double scale;         // the result is multiplied by this, to get from units to the unit named
     const char* note;     // what it does, and which one thing differs from its baseline
     std::unique_ptr<Run> (*make)(scenes::Host&, std::string& error);
+    int width = 1280, height = 720; // of the target
 };
 
 /// The table of all workloads.

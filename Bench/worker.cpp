@@ -11,8 +11,6 @@
 
 namespace {
 
-constexpr int Width = 1280, Height = 720;
-
 const bench::Workload* find(const char* name)
 {
     for (const auto& workload : bench::workloads())
@@ -34,11 +32,11 @@ int main(int argc, char** argv)
     bool picture = argc == 4 && std::strcmp(argv[1], "--picture") == 0;
     if (!describe && !picture && argc != 3) return fail("usage: worker NAME SECONDS | --picture NAME FILE | --describe");
     std::string error;
-    std::unique_ptr<scenes::Host> host = scenes::makeHost(Width, Height, error);
+    const bench::Workload* workload = describe ? nullptr : find(picture ? argv[2] : argv[1]);
+    if (!describe && !workload) return fail("there is no such workload");
+    std::unique_ptr<scenes::Host> host = scenes::makeHost(workload ? workload->width : 64, workload ? workload->height : 64, error);
     if (!host) return fail(error);
     if (describe) return std::printf("%s\n", host->description().c_str()) < 0;
-    const bench::Workload* workload = find(picture ? argv[2] : argv[1]);
-    if (!workload) return fail("there is no such workload");
     std::unique_ptr<bench::Run> run = workload->make(*host, error);
     if (!run) return fail(error);
     if (picture) {

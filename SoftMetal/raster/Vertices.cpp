@@ -31,14 +31,16 @@ uint32_t indexAt(const DrawCall& call, uint64_t i)
 class Places
 {
 public:
-    explicit Places(size_t expected) { dense_.reserve(expected); }
+    /// The least number that will come keeps the table short for a part of a long list.
+    Places(size_t expected, uint32_t least) : least_(least) { dense_.reserve(expected); }
 
     uint32_t of(uint32_t id, std::vector<uint32_t>& ids)
     {
-        if (id < DenseLimit) {
-            if (id >= dense_.size()) dense_.resize(std::max<size_t>(id + 1, dense_.size() * 2), VertexList::Restart);
-            if (dense_[id] == VertexList::Restart) dense_[id] = add(id, ids);
-            return dense_[id];
+        const uint32_t at = id - least_;
+        if (at < DenseLimit) {
+            if (at >= dense_.size()) dense_.resize(std::max<size_t>(at + 1, dense_.size() * 2), VertexList::Restart);
+            if (dense_[at] == VertexList::Restart) dense_[at] = add(id, ids);
+            return dense_[at];
         }
         auto [place, added] = sparse_.try_emplace(id, 0);
         if (added) place->second = add(id, ids);
@@ -52,6 +54,7 @@ private:
         ids.push_back(id);
         return static_cast<uint32_t>(ids.size() - 1);
     }
+    uint32_t least_;
     std::vector<uint32_t> dense_;
     std::unordered_map<uint32_t, uint32_t> sparse_;
 };
@@ -143,7 +146,12 @@ VertexList listVertices(const DrawCall& call)
     }
     bool restarts = call.primitive == LineStrip || call.primitive == TriangleStrip;
     uint32_t restart = call.indexType == Index16 ? 0xFFFF : 0xFFFFFFFF;
-    Places places(call.count);
+    uint32_t least = UINT32_MAX;
+    for (uint64_t i = 0; i < call.count; ++i) {
+        const uint32_t index = indexAt(call, call.start + i);
+        if (!restarts || index != restart) least = std::min(least, index + static_cast<uint32_t>(call.baseVertex));
+    }
+    Places places(call.count, least);
     for (uint64_t i = 0; i < call.count; ++i) {
         uint32_t index = indexAt(call, call.start + i);
         if (restarts && index == restart) list.places.push_back(VertexList::Restart);
