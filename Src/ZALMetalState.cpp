@@ -4,7 +4,9 @@
 #include "ZALMetalContext.h"
 #include "ZALMetalLog.h"
 
+#include <algorithm>
 #include <cstdlib>
+#include <iterator>
 #include <utility>
 
 namespace
@@ -24,8 +26,7 @@ void releaseAndForget(T*& object)
 ZALMetalState::~ZALMetalState()
 {
     reportFailures();
-    for (MTL::CommandBuffer* buffer : _committed)
-        buffer->release();
+    forgetCommitted(_committedCount);
 }
 
 void ZALMetalState::renderPassBegin(MTL::RenderPassDescriptor* descriptor, ZALGLState* state)
@@ -74,17 +75,21 @@ void ZALMetalState::endEncoders()
 void ZALMetalState::reportFailures()
 {
     size_t ended = 0;
-    for (; ended < _committed.size() && _committed[ended]->status() >= MTL::CommandBufferStatusCompleted; ++ended) {
-        MTL::CommandBuffer* buffer = _committed[ended];
-        if (buffer->status() == MTL::CommandBufferStatusError) {
-            auto* pool = NS::AutoreleasePool::alloc()->init();
-            ZALMetal::Log(ZALMetalLogLevelError, "ZAL Metal, a command buffer failed, error %s",
-                          ZALMetal::InWords(buffer->error()));
-            pool->release();
-        }
-        buffer->release();
+    for (; ended < _committedCount && _committed[ended]->status() >= MTL::CommandBufferStatusCompleted; ++ended) {
+        if (_committed[ended]->status() != MTL::CommandBufferStatusError) continue;
+        auto* pool = NS::AutoreleasePool::alloc()->init();
+        ZALMetal::Log(ZALMetalLogLevelError, "ZAL Metal, a command buffer failed, error %s", ZALMetal::InWords(_committed[ended]->error()));
+        pool->release();
     }
-    _committed.erase(_committed.begin(), _committed.begin() + static_cast<std::ptrdiff_t>(ended));
+    forgetCommitted(ended);
+}
+
+/// The first ones, as many as are given.
+void ZALMetalState::forgetCommitted(size_t count)
+{
+    std::for_each(_committed, _committed + count, [](MTL::CommandBuffer* buffer) { buffer->release(); });
+    std::copy(_committed + count, _committed + _committedCount, _committed);
+    _committedCount -= count;
 }
 
 /// The committed one, for the caller to wait for.
@@ -93,7 +98,8 @@ MTL::CommandBuffer* ZALMetalState::commit()
     reportFailures();
     _commandBuffer->commit();
     ++ZALMetal::g_counters.commandBuffers;
-    _committed.push_back(_commandBuffer);
+    if (_committedCount == std::size(_committed)) forgetCommitted(1);
+    _committed[_committedCount++] = _commandBuffer;
     return std::exchange(_commandBuffer, nullptr);
 }
 
@@ -112,7 +118,7 @@ void ZALMetalState::commandBufferWaitUntilCompleted()
 
 void ZALMetalState::waitForCommitted()
 {
-    if (!_committed.empty()) _committed.back()->waitUntilCompleted();
+    if (_committedCount > 0) _committed[_committedCount - 1]->waitUntilCompleted();
     reportFailures();
 }
 

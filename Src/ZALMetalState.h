@@ -5,7 +5,7 @@
 
 #include <Metal/Metal.hpp>
 
-#include <vector>
+#include <cstddef>
 
 /// State that must be encoded again before the next draw.
 enum ZALMetalDirtyBits : uint32_t
@@ -42,12 +42,14 @@ private:
     void endEncoders();
     MTL::CommandBuffer* commit();
     void reportFailures();
+    void forgetCommitted(size_t count);
     MTL::CommandBuffer* takeCommandBuffer();
 
     MTL::CommandQueue* _queue; // not retained
     MTL::CommandBuffer* _commandBuffer = nullptr;
-    std::vector<MTL::CommandBuffer*>
-        _committed; // in their order; retained until they are known to have ended well or not
+    // In their order; retained until they are known to have ended well or not. A queue has no more under way.
+    MTL::CommandBuffer* _committed[64] = {};
+    size_t _committedCount = 0;
     MTL::RenderCommandEncoder* _renderPassCmdEncoder = nullptr;
     MTL::BlitCommandEncoder* _blitEncoder = nullptr;
     uint32_t _dirty = 0;

@@ -20,6 +20,7 @@ namespace
 constexpr size_t MostTriangles = 1u << 16; // held back before tiles are drawn
 constexpr uint32_t PrimitivesAPart = 4096; // of a long list, which is set up in parts, several at a time
 constexpr size_t PartsAtOnce = 8, MostSpares = 2 * PartsAtOnce;
+constexpr size_t FewTiles = 1;
 
 std::atomic<uint32_t> laneCount{4};
 
@@ -123,21 +124,29 @@ private:
         const Triangle& t = draw.triangles[index];
         for (uint32_t y = static_cast<uint32_t>(t.minY) / TileSize; y <= static_cast<uint32_t>(t.maxY) / TileSize; ++y)
             for (uint32_t x = static_cast<uint32_t>(t.minX) / TileSize; x <= static_cast<uint32_t>(t.maxX) / TileSize;
-                 ++x)
-                bins_[static_cast<size_t>(y) * tilesX_ + x].push_back({&draw, index});
+                 ++x) {
+                const size_t tile = static_cast<size_t>(y) * tilesX_ + x;
+                if (bins_[tile].empty()) filled_.push_back(tile);
+                bins_[tile].push_back({&draw, index});
+            }
     }
 
     void flush()
     {
-        bool first = !cleared_;
-        workers::parallelFor(bins_.size(), [&](size_t tile) {
+        const bool first = !cleared_ && clears(pass_);
+        auto work = [&](size_t tile) {
             auto x = static_cast<uint32_t>(tile % tilesX_) * TileSize,
                  y = static_cast<uint32_t>(tile / tilesX_) * TileSize;
             TileArea area{x, y, std::min(x + TileSize, pass_.width), std::min(y + TileSize, pass_.height)};
             if (first) clearTile(pass_, area);
             drawTile(pass_, area, bins_[tile]);
             bins_[tile].clear();
-        });
+        };
+        // Tiles without a triangle are left alone, and a single one is drawn before another thread would have woken up.
+        if (first) workers::parallelFor(bins_.size(), work);
+        else if (filled_.size() <= FewTiles) std::for_each(filled_.begin(), filled_.end(), work);
+        else workers::parallelFor(filled_.size(), [&](size_t i) { work(filled_[i]); });
+        filled_.clear();
         cleared_ = true;
         for (auto& draw : draws_)
             giveBack(std::move(draw));
@@ -148,6 +157,7 @@ private:
     PassDescription pass_;
     uint32_t tilesX_, tilesY_;
     std::vector<std::vector<Binned>> bins_;
+    std::vector<size_t> filled_; // tiles whose bins hold something
     std::vector<std::unique_ptr<Draw>> draws_; // bins point to them
     size_t held_ = 0;
     bool cleared_ = false, finished_ = false;

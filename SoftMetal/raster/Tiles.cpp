@@ -6,8 +6,10 @@
 #include "raster/TileKernel.h"
 #include "vectors/InstructionSet.h"
 
+#include <algorithm>
 #include <bit>
 #include <cstring>
+#include <iterator>
 
 namespace softmetal::raster {
 namespace {
@@ -80,6 +82,12 @@ void clearDepthStencil(const Target& target, const TileArea& area, bool depth)
 }
 
 } // namespace
+
+bool clears(const PassDescription& pass)
+{
+    auto clear = [](const Target& target) { return target.texture && target.loadAction == LoadClear; };
+    return std::any_of(std::begin(pass.color), std::end(pass.color), clear) || clear(pass.depth) || clear(pass.stencil);
+}
 
 void clearTile(const PassDescription& pass, const TileArea& area)
 {

@@ -18,6 +18,9 @@ struct TileArea
     uint32_t x0, y0, x1, y1;
 };
 
+/// Whether the pass has a load action that writes.
+bool clears(const PassDescription& pass);
+
 /// Applies the pass's load actions to a tile.
 void clearTile(const PassDescription& pass, const TileArea& area);
 
