@@ -2,6 +2,7 @@
 // The main job in one program: loads a Wavefront OBJ model, draws it with two assembly programs, presents the frame and
 // writes it as PNG:  demo MODEL.obj [--out PICTURE.png] [--size WIDTHxHEIGHT] [--angle RADIANS]
 // Exit status: 0 done, 1 nothing could be drawn or written, 2 the command line or the model is not usable.
+#include "../ModelOptions.h"
 #include "DemoScene.h"
 #include "Host.h"
 
@@ -13,38 +14,6 @@
 #include <string>
 
 namespace {
-
-struct Options
-{
-    std::string model, out = "demo.png";
-    int width = 1280, height = 720;
-    float angle = 0.45f;
-};
-
-constexpr int largestSide = 8192;
-
-bool readOption(Options& options, const std::string& name, const char* value)
-{
-    if (name == "--out") options.out = value;
-    else if (name == "--angle") options.angle = std::strtof(value, nullptr);
-    else if (name != "--size" || std::sscanf(value, "%dx%d", &options.width, &options.height) != 2) return false;
-    return options.width > 0 && options.height > 0 && options.width <= largestSide && options.height <= largestSide;
-}
-
-bool readOptions(int argc, char** argv, Options& options)
-{
-    for (int i = 1; i < argc; ++i) {
-        if (std::strncmp(argv[i], "--", 2) != 0) {
-            if (!options.model.empty()) return false;
-            options.model = argv[i];
-        } else if (i + 1 == argc || !readOption(options, argv[i], argv[i + 1])) {
-            return false;
-        } else {
-            ++i;
-        }
-    }
-    return !options.model.empty();
-}
 
 double millisecondsSince(std::chrono::steady_clock::time_point start)
 {
@@ -62,7 +31,7 @@ int failed(const std::string& error, int status)
 int main(int argc, char** argv)
 {
     using namespace scenes;
-    Options options;
+    ModelOptions options{{}, "demo.png", 1280, 720};
     if (!readOptions(argc, argv, options)) {
         std::fprintf(stderr, "usage: demo MODEL.obj [--out PICTURE.png] [--size WIDTHxHEIGHT] [--angle RADIANS]\n");
         return 2;

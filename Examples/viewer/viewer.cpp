@@ -3,6 +3,7 @@
 // PICTURE.png] The mouse turns it while its left button is held, and the wheel in steps; "s" writes the picture as PNG,
 // Escape quits. Exit status: 0 done, 1 nothing could be shown or written, 2 the command line or the model is not
 // usable.
+#include "../ModelOptions.h"
 #include "DemoScene.h"
 #include "Image.h"
 
@@ -19,42 +20,8 @@
 namespace
 {
 
-struct Options
-{
-    std::string model, out = "viewer.png";
-    int width = 960, height = 540;
-    float angle = 0.45f;
-};
-
-constexpr int largestSide = 8192;
 constexpr float radiansPerPixel = 0.01f, radiansPerStep = 0.1f;
 constexpr double longestWait = 100; // milliseconds, for events while nothing changes
-
-bool readOption(Options& options, const std::string& name, const char* value)
-{
-    if (name == "--out")
-        options.out = value;
-    else if (name == "--angle")
-        options.angle = std::strtof(value, nullptr);
-    else if (name != "--size" || std::sscanf(value, "%dx%d", &options.width, &options.height) != 2)
-        return false;
-    return options.width > 0 && options.height > 0 && options.width <= largestSide && options.height <= largestSide;
-}
-
-bool readOptions(int argc, char** argv, Options& options)
-{
-    for (int i = 1; i < argc; ++i) {
-        if (std::strncmp(argv[i], "--", 2) != 0) {
-            if (!options.model.empty()) return false;
-            options.model = argv[i];
-        } else if (i + 1 == argc || !readOption(options, argv[i], argv[i + 1])) {
-            return false;
-        } else {
-            ++i;
-        }
-    }
-    return !options.model.empty();
-}
 
 int failed(const std::string& error, int status)
 {
@@ -72,7 +39,7 @@ public:
         if (view_) view_->release();
     }
 
-    bool open(const std::string& title, const Options& options, std::string& error)
+    bool open(const std::string& title, const ModelOptions& options, std::string& error)
     {
         view_ =
             SoftMetal::newWindow(title, static_cast<uint32_t>(options.width), static_cast<uint32_t>(options.height));
@@ -159,7 +126,7 @@ bool show(GlWindow& window, const scenes::DemoScene& scene, const Wishes& wishes
     return written;
 }
 
-bool runLoop(GlWindow& window, const scenes::DemoScene& scene, const Options& options, std::string& error)
+bool runLoop(GlWindow& window, const scenes::DemoScene& scene, const ModelOptions& options, std::string& error)
 {
     Wishes wishes;
     wishes.angle = options.angle;
@@ -178,7 +145,7 @@ bool runLoop(GlWindow& window, const scenes::DemoScene& scene, const Options& op
 
 int main(int argc, char** argv)
 {
-    Options options;
+    ModelOptions options{{}, "viewer.png", 960, 540};
     if (!readOptions(argc, argv, options)) {
         std::fprintf(stderr, "usage: viewer MODEL.obj [--size WIDTHxHEIGHT] [--angle RADIANS] [--out PICTURE.png]\n");
         return 2;
