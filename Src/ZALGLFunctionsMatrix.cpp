@@ -40,8 +40,7 @@ void MatrixMultd(ZALGLState::MatrixStack& stack, const double* m)
     MatrixMultf(stack, converted);
 }
 
-// ---- Matrix stacks
-// --------------------------------------------------------------------------------------------------------------
+// ---- Matrix stacks -------------------------------------------------------------------------------------------------
 
 void glMatrixMode(GLenum mode)
 {

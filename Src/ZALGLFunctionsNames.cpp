@@ -24,8 +24,7 @@ void deleteAll(Store& store, GLsizei n, const GLuint* names)
 
 } // namespace
 
-// ---- Object names
-// ----------------------------------------------------------------------------------------------------------
+// ---- Object names --------------------------------------------------------------------------------------------------
 
 void glGenBuffers(GLsizei n, GLuint* buffers)
 {

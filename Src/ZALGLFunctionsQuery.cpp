@@ -6,8 +6,7 @@
 #include <cstdio>
 #include <cstring>
 
-// ---- Strings
-// ---------------------------------------------------------------------------------------------------------------
+// ---- Strings -------------------------------------------------------------------------------------------------------
 
 namespace
 {
@@ -37,8 +36,7 @@ const GLubyte* glGetString(GLenum name)
     return name == GL_PROGRAM_ERROR_STRING_ARB && gl ? bytes(gl->programErrorString) : nullptr;
 }
 
-// ---- Numbers
-// ---------------------------------------------------------------------------------------------------------------
+// ---- Numbers -------------------------------------------------------------------------------------------------------
 
 void glGetIntegerv(GLenum pname, GLint* params)
 {
@@ -100,9 +98,8 @@ void glGetDoublev(GLenum pname, GLdouble* params)
         params[i] = static_cast<double>(stack->entries[stack->depth][i]);
 }
 
-// ---- Shader objects
-// -------------------------------------------------------------------------------------------------------- GLSL is not
-// offered; nothing is created here.
+// ---- Shader objects ------------------------------------------------------------------------------------------------
+// GLSL is not offered; nothing is created here.
 
 namespace
 {

@@ -112,8 +112,7 @@ void startCapture(ZALMetalContext* context)
 
 } // namespace
 
-// ---- Layer and host textures
-// -------------------------------------------------------------------------------------------------
+// ---- Layer and host textures ---------------------------------------------------------------------------------------
 
 int MetalDataAllocateDrawableTextures(MTL::Device* device, ZALMetalDrawable* drawable, CGSize size)
 {
@@ -189,8 +188,7 @@ int ZALMetalContextSetMetalDrawable(ZALMetalContext* context, void* colorTexture
     return ZALMetalResultSuccess;
 }
 
-// ---- Size
-// ------------------------------------------------------------------------------------------------------------------
+// ---- Size ----------------------------------------------------------------------------------------------------------
 
 int ZALMetalContextUpdateSize(ZALMetalContext* context)
 {
@@ -198,8 +196,7 @@ int ZALMetalContextUpdateSize(ZALMetalContext* context)
     return updateSize(context);
 }
 
-// ---- Presentation
-// ----------------------------------------------------------------------------------------------------------
+// ---- Presentation --------------------------------------------------------------------------------------------------
 
 void* ZALMetalContextEnsureDrawable(ZALMetalContext* context)
 {
@@ -274,8 +271,7 @@ int ZALMetalContextGetMtlTextureFromGLTextureId(ZALMetalContext* context, void*&
     return ZALMetalResultSuccess;
 }
 
-// ---- Attachments
-// -------------------------------------------------------------------------------------------------------------
+// ---- Attachments ---------------------------------------------------------------------------------------------------
 
 namespace
 {

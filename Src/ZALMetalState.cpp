@@ -167,8 +167,7 @@ void AssertionFailed(const char* function, const char* source, const char* expre
     std::abort();
 }
 
-// ---- encoding
-// ------------------------------------------------------------------------------------------------------------
+// ---- encoding ------------------------------------------------------------------------------------------------------
 
 void EncodeDefaults(MTL::RenderCommandEncoder* encoder)
 {
@@ -233,8 +232,7 @@ void EncodeSetDepthStencilState(MTL::RenderCommandEncoder* encoder, ZALGLState* 
     if (stencil) stencil->release();
 }
 
-// ---- conversions
-// ---------------------------------------------------------------------------------------------------------
+// ---- conversions ---------------------------------------------------------------------------------------------------
 
 namespace
 {

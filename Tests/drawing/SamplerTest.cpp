@@ -171,6 +171,48 @@ TEST_P(Sampler, EqualParametersShareASlot)
     EXPECT_EQ(boundBy(all, "setFragmentTextures"), 2u);
 }
 
+TEST_P(Sampler, EachParameterThatDiffersGivesASlotOfItsOwn)
+{
+    struct Row
+    {
+        GLenum parameter;
+        GLint value;
+    };
+    constexpr Row Rows[] = {{GL_TEXTURE_MAG_FILTER, GL_LINEAR}, {GL_TEXTURE_MIN_FILTER, GL_LINEAR}, {GL_TEXTURE_MIN_FILTER, GL_NEAREST_MIPMAP_LINEAR},
+                            {GL_TEXTURE_WRAP_S, GL_CLAMP_TO_BORDER}, {GL_TEXTURE_WRAP_T, GL_CLAMP_TO_BORDER}, {GL_TEXTURE_WRAP_R, GL_CLAMP_TO_BORDER},
+                            {GL_TEXTURE_BASE_LEVEL, 1}, {GL_TEXTURE_BASE_LEVEL, 2}};
+    std::vector<int> units{0};
+    make(GL_TEXTURE_2D, 0, 4);
+    for (const Row& row : Rows) {
+        make(GL_TEXTURE_2D, static_cast<GLenum>(units.size()), 4);
+        glTexParameteri(GL_TEXTURE_2D, row.parameter, row.value);
+        units.push_back(static_cast<int>(units.size()));
+    }
+    const float white[4] = {1, 1, 1, 1};
+    make(GL_TEXTURE_2D, static_cast<GLenum>(units.size()), 4);
+    glTexParameterfv(GL_TEXTURE_2D, GL_TEXTURE_BORDER_COLOR, white);
+    units.push_back(static_cast<int>(units.size()));
+    loadSampling(units, "2D");
+    clearLog();
+    EXPECT_EQ(drawn(), NoError);
+    EXPECT_EQ(count("newSamplerState"), units.size());
+}
+
+TEST_P(Sampler, RectanglesDoNotShareWithNormalisedPositions)
+{
+    make(GL_TEXTURE_RECTANGLE_ARB, 1);
+    for (GLenum wrap : {GL_TEXTURE_WRAP_S, GL_TEXTURE_WRAP_T, GL_TEXTURE_WRAP_R})
+        for (auto [unit, target] : {std::pair<GLenum, GLenum>{0, GL_TEXTURE_2D}, {1, GL_TEXTURE_RECTANGLE_ARB}}) {
+            glActiveTextureARB(GL_TEXTURE0 + unit);
+            glTexParameteri(target, wrap, GL_CLAMP_TO_EDGE);
+        }
+    ASSERT_EQ(load(GL_FRAGMENT_PROGRAM_ARB, "!!ARBfp1.0\nTEMP a, b;\nTEX a, fragment.texcoord[0], texture[0], 2D;\n"
+                                            "TEX b, fragment.texcoord[0], texture[1], RECT;\nADD result.color, a, b;\nEND\n"), NoError);
+    clearLog();
+    EXPECT_EQ(drawn(), NoError);
+    EXPECT_EQ(count("newSamplerState"), 2u);
+}
+
 TEST_P(Sampler, SixteenDifferentOnesFitAndTheNextDoesNot)
 {
     std::vector<int> units;

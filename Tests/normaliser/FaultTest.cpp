@@ -3,6 +3,7 @@
 #include "normaliser/Normalise.h"
 
 #include <algorithm>
+#include <string_view>
 
 namespace
 {
@@ -166,6 +167,97 @@ TEST(NormaliseFaults, MoreLoopsInEachOtherThanThereAreVariables)
     for (int depth = 0; depth < 18; ++depth)
         program += "ENDREP;";
     EXPECT_EQ(fragmentFault(program), "2:109: error: loops are nested too deeply\n");
+}
+
+struct FaultRow
+{
+    const char* statements;
+    const char* fault; // place and reason
+};
+
+std::string expected(const FaultRow& row)
+{
+    const std::string_view fault = row.fault;
+    const size_t place = fault.find(' ');
+    return std::string(fault.substr(0, place)) + " error:" + std::string(fault.substr(place)) + "\n";
+}
+
+TEST(NormaliseFaults, VertexStatementsThatAreNotWellFormed)
+{
+    constexpr FaultRow rows[] = {
+        {"TEMP a[2];", "2:7: arrays of temporaries cannot be expressed"},
+        {"ATTRIB a[2] = { vertex.attrib[2..3] };", "2:9: arrays of attributes and results cannot be expressed"},
+        {"OUTPUT o[2] = { result.texcoord[0..1] };", "2:9: arrays of attributes and results cannot be expressed"},
+        {"ATTRIB p = program.env[0];", "2:12: neither an attribute nor a result"},
+        {"ATTRIB p = vertex.position.x;", "2:12: neither an attribute nor a result"},
+        {"ATTRIB p = state.matrix.mvp;", "2:12: neither an attribute nor a result"},
+        {"PARAM p = program.env[0].x;", "2:11: a parameter is a whole vector"},
+        {"PARAM p[1] = { program.env[0].x };", "2:16: an element is a whole vector"},
+        {"PARAM p = program.env[0..1];", "2:11: several values stand where one fits"},
+        {"PARAM p = program.env[1.5];", "2:23: an index is not a small whole number"},
+        {"PARAM p = program.env[99999999];", "2:23: an index is not a small whole number"},
+        {"PARAM p = program.env[x];", "2:23: address registers cannot be expressed"},
+        {"PARAM p[2] = { program.env[3..1] };", "2:32: a range runs backward"},
+        {"PARAM p[2] = { 1, 2 };\nMOV result.color, p[0..1];", "3:19: a range stands where one value fits"},
+        {"PARAM p[2] = { 1, 2 };\nMOV result.color, p;", "3:19: several values stand where one fits"},
+        {"TEMP a;\nMOV a[0], 1;", "3:5: a is not an array"},
+        {"MOV result.texcoord[0..1], 1;", "2:5: several values stand where one fits"},
+        {"PARAM p = state.matrix.mvp.row[4];", "2:11: a matrix has rows 0 to 3"},
+        {"PARAM p = state.matrix.mvp.row;", "2:11: \".row\" is not a part of \"mvp\""},
+        {"PARAM p = state.matrix.mvp.row[0..1];", "2:11: several values stand where one fits"},
+        {"PARAM p = state.matrix.texture[0..1].row[0];", "2:11: state.matrix.texture: there is no such matrix here"},
+        {"PARAM p = state.matrix;", "2:11: state: this state cannot be expressed"},
+        {"PARAM p = state;", "2:11: state: this state cannot be expressed"},
+        {"PARAM p = -{1, 2};", "2:12: a number is missing before \"{\""},
+        {"PARAM p = {1, a};", "2:15: a number is missing before \"a\""},
+        {"PARAM p = {1, -};", "2:16: a number is missing before \"}\""},
+        {"PARAM p = ;", "2:11: a number is missing before \";\""},
+        {"PARAM = 1;", "2:7: a name is missing before \"=\""},
+        {"PARAM p[a] = { 1 };", "2:9: an index is not a small whole number"},
+        {"PARAM p[] = 1;", "2:13: \"{\" is missing before \"1\""},
+        {"1 2;", "2:1: a statement begins with a word"},
+        {"ADD.1 a, b, c;", "2:4: a name is missing before \".1\""},
+        {"TEMP a;\nMOV a.xyzwx, a;", "3:5: \".xyzwx\" is not a part of \"a\""},
+        {"TEMP a;\nMOV a.xx, a;", "3:5: the letters of a mask stand in the order of x, y, z, w"},
+        {"TEMP a;\nMOV a.x.y, a;", "3:5: \".x\" is not a part of \"a\""},
+        {"TEMP a;\nMOV a.x[0], a;", "3:5: \".x\" is not a part of \"a\""},
+        {"TEMP a;\nSWZ a, a, x, y, z, 2;", "3:20: an extended swizzle has letters, 0 and 1"},
+        {"TEMP a;\nSWZ a, a, x, y, z;", "3:18: \",\" is missing before \";\""},
+        {"TEMP a;\nSWZ a, a, x, y, z, q;", "3:20: an extended swizzle has letters, 0 and 1"},
+        {"TEMP a;\nMOV |a|, a;", "3:5: a name is missing before \"|\""},
+        {"TEMP a;\nMOV a, |a;", "3:10: \"|\" is missing before \";\""},
+        {"TEMP ;", "2:6: a name is missing before \";\""},
+        {"ALIAS a = b;", "2:11: \"b\" is not declared"},
+        {"ALIAS a = 1;", "2:11: a name is missing before \"1\""},
+        {"ALIAS = a;", "2:7: a name is missing before \"=\""},
+        {"OPTION ;", "2:8: an option's name is missing before \";\""},
+        {"OUTPUT o = result;", "2:12: result: this result cannot be expressed"},
+        {"ATTRIB p vertex.position;", "2:10: \"=\" is missing before \"vertex\""},
+    };
+    for (const FaultRow& row : rows)
+        EXPECT_EQ(vertexFault(row.statements), expected(row)) << row.statements;
+}
+
+TEST(NormaliseFaults, FragmentStatementsThatAreNotWellFormed)
+{
+    constexpr FaultRow rows[] = {
+        {"TEX result.color, fragment.texcoord[0], texture[0].x, 2D;", "2:41: a texture unit is missing"},
+        {"TEX result.color, fragment.texcoord[0], texture[0..1], 2D;", "2:41: a texture unit is missing"},
+        {"TEX result.color, fragment.texcoord[0], texture[0], 2D, (1, 2);",
+         "2:55: offsets of texture coordinates cannot be expressed"},
+        {"TEX result.color, fragment.texcoord[0], texture[0], ;", "2:53: a texture target is missing before \";\""},
+        {"TEX result.color, fragment.texcoord[0], 2D;", "2:41: a texture unit is missing"},
+        {"MOV result.color[16], 1;", "2:5: result.color[#]: there is no index above 7"},
+        {"MOV fragment.color, 1;", "2:5: \"fragment.color\" cannot be written"},
+        {"KIL NE.x;", "2:5: \"NE\" is not declared"},
+        {"IF ;", "2:4: a name is missing before \";\""},
+        {"IF NE.q;", "2:4: \".q\" is not a part of \"NE\""},
+        {"ENDREP;", "2:1: ENDREP stands in no block of its own"},
+        {"CONT;", "2:1: CONT stands in no block of its own"},
+        {"REP 2;\nELSE;\nENDREP;", "3:1: ELSE stands in no block of its own"},
+    };
+    for (const FaultRow& row : rows)
+        EXPECT_EQ(fragmentFault(row.statements), expected(row)) << row.statements;
 }
 
 TEST(NormaliseFaults, AllOfThemAreNamedInOrder)
