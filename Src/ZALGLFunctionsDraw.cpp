@@ -189,6 +189,14 @@ int installVertexTextures(ZALGLState* gl, MTL::RenderCommandEncoder* encoder, co
 
 // ---- raster state ------------------------------------------------------------------------------------------------------------
 
+/// The first release of metal-cpp has the call under the name of its selector.
+template <class Encoder>
+void setBlendColor(Encoder* encoder, const float* color)
+{
+    if constexpr (requires { encoder->setBlendColorRed(0.f, 0.f, 0.f, 0.f); }) encoder->setBlendColorRed(color[0], color[1], color[2], color[3]);
+    else encoder->setBlendColor(color[0], color[1], color[2], color[3]);
+}
+
 void installRasterState(ZALGLState* gl, MTL::RenderCommandEncoder* encoder)
 {
     encoder->setStencilReferenceValue(static_cast<uint32_t>(gl->stencilRef));
@@ -200,7 +208,7 @@ void installRasterState(ZALGLState* gl, MTL::RenderCommandEncoder* encoder)
     // Kept on purpose: [polygon-point-mode] points have no counterpart: the fill mode stays as it was.
     if (gl->polygonMode == GL_FILL) encoder->setTriangleFillMode(MTL::TriangleFillModeFill);
     else if (gl->polygonMode == GL_LINE) encoder->setTriangleFillMode(MTL::TriangleFillModeLines);
-    if (gl->pipelineDescription.blendingEnabled) encoder->setBlendColor(gl->blendColor[0], gl->blendColor[1], gl->blendColor[2], gl->blendColor[3]);
+    if (gl->pipelineDescription.blendingEnabled) setBlendColor(encoder, gl->blendColor);
 }
 
 // ---- pipeline ----------------------------------------------------------------------------------------------------------------

@@ -67,7 +67,7 @@ bool writePicture(const char* path, const std::vector<unsigned char>& pixels)
 int main(int argc, char** argv)
 {
     using namespace example;
-    auto pool = NS::TransferPtr(NS::AutoreleasePool::alloc()->init());
+    NS::AutoreleasePool* pool = NS::AutoreleasePool::alloc()->init();
     MTL::Device* device = MTL::CreateSystemDefaultDevice();
     if (!device) fail("there is no Metal device");
     MTL::CommandQueue* queue = device->newCommandQueue();
@@ -89,5 +89,6 @@ int main(int argc, char** argv)
     ZALMetalContextDestroy(context);
     for (NS::Object* object : {static_cast<NS::Object*>(color), static_cast<NS::Object*>(depth), static_cast<NS::Object*>(queue), static_cast<NS::Object*>(device)})
         object->release();
+    pool->release();
     return written ? 0 : 1;
 }

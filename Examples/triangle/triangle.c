@@ -60,7 +60,7 @@ static void drawTriangle(void)
     glBindBuffer(GL_ARRAY_BUFFER, buffers[0]);
     glBufferData(GL_ARRAY_BUFFER, sizeof corners, corners, GL_STATIC_DRAW);
     glVertexAttribPointerARB(0, 2, GL_FLOAT, GL_FALSE, sizeof corners[0], NULL);
-    glVertexAttribPointerARB(3, 3, GL_FLOAT, GL_FALSE, sizeof corners[0], (const char*)NULL + 2 * sizeof(float));
+    glVertexAttribPointerARB(3, 3, GL_FLOAT, GL_FALSE, sizeof corners[0], (const void*)(2 * sizeof(float)));
     glEnableVertexAttribArrayARB(0);
     glEnableVertexAttribArrayARB(3);
     glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, buffers[1]);

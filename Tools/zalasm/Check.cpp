@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Check.h"
 
+#include "ScopedPool.h"
+
 #include <Foundation/Foundation.hpp>
 #include <Metal/Metal.hpp>
 
 #include <algorithm>
 #include <cstdio>
+#include <memory>
 #include <sstream>
 
 namespace zalasm {
@@ -43,17 +46,25 @@ bool parse(const std::string& message, int& line, std::string& kind, std::string
     return true;
 }
 
+struct Release
+{
+    void operator()(NS::Object* object) const { object->release(); }
+};
+
+template <class T>
+using Owned = std::unique_ptr<T, Release>;
+
 } // namespace
 
 std::vector<std::string> compile(const std::string& source, bool& ok)
 {
-    auto pool = NS::TransferPtr(NS::AutoreleasePool::alloc()->init());
-    auto device = NS::TransferPtr(MTL::CreateSystemDefaultDevice());
+    const ScopedPool pool;
+    const Owned<MTL::Device> device(MTL::CreateSystemDefaultDevice());
     ok = false;
     if (!device) return {"there is no Metal device to compile with"};
     NS::Error* error = nullptr;
-    auto library = NS::TransferPtr(device->newLibrary(NS::String::string(source.c_str(), NS::UTF8StringEncoding), nullptr, &error));
-    ok = library.get() != nullptr;
+    const Owned<MTL::Library> library(device->newLibrary(NS::String::string(source.c_str(), NS::UTF8StringEncoding), nullptr, &error));
+    ok = library != nullptr;
     return error ? linesOf(error->localizedDescription()->utf8String()) : std::vector<std::string>();
 }
 

@@ -143,7 +143,7 @@ int main(int argc, char** argv)
     if (word == "--help") return std::puts("usage: zalinfo [--json]\nPrints the device, versions, limits, GL strings and environment that a host of libZALMetal finds."), 0;
     if (word == "--version") return std::printf("zalinfo %s\n", versions().facts[0].value.c_str()), 0;
 
-    auto pool = NS::TransferPtr(NS::AutoreleasePool::alloc()->init());
+    NS::AutoreleasePool* pool = NS::AutoreleasePool::alloc()->init();
     MTL::Device* metal = MTL::CreateSystemDefaultDevice();
     ZALMetalContext* context = nullptr;
     MTL::CommandQueue* queue = metal ? metal->newCommandQueue() : nullptr;
@@ -156,5 +156,6 @@ int main(int argc, char** argv)
     ZALMetalContextDestroy(context);
     queue->release();
     metal->release();
+    pool->release();
     return 0;
 }

@@ -5,13 +5,13 @@
 
 #include <CoreGraphics/CGGeometry.h>
 #include <Foundation/Foundation.hpp>
+#include <QuartzCore/QuartzCore.hpp>
 
 #include <cstdarg>
 
-namespace CA
-{
-class MetalLayer;
-}
+#if !__has_include(<QuartzCore/CAMetalLayer.hpp>)
+#include "MetalLayer.hpp" // the first release of metal-cpp has no layers
+#endif
 
 /// An NSView*; metal-cpp's rules hold: the pointer is the Objective-C object.
 class NSView : public NS::Referencing<NSView>
