@@ -6,6 +6,7 @@ include(CMakePackageConfigHelpers)
 
 set(zal_package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/ZALMetal")
 set(zal_targets ZALMetal)
+set(zal_doc_dir "${CMAKE_INSTALL_DATAROOTDIR}/doc/libzalmetal-dev") # named like the Debian package, as its rules ask
 if(NOT APPLE)
     list(APPEND zal_targets SoftMetal)
     set_target_properties(SoftMetalCompiler PROPERTIES INSTALL_RPATH "$ORIGIN")
@@ -19,8 +20,9 @@ endif()
 install(TARGETS ${zal_targets} EXPORT ZALMetalTargets LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}")
 install(DIRECTORY include/ZALMetal DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
 # The pages lie as in the repository, so that their links lead somewhere.
-install(FILES LICENSE CHANGELOG.md README.md CONTRIBUTING.md SECURITY.md DESTINATION "${CMAKE_INSTALL_DOCDIR}")
-install(DIRECTORY docs DESTINATION "${CMAKE_INSTALL_DOCDIR}" PATTERN man EXCLUDE)
+install(FILES LICENSE CHANGELOG.md README.md CONTRIBUTING.md SECURITY.md DESTINATION "${zal_doc_dir}")
+install(FILES LICENSE DESTINATION "${zal_doc_dir}" RENAME copyright) # where Debian looks
+install(DIRECTORY docs DESTINATION "${zal_doc_dir}" PATTERN man EXCLUDE)
 
 install(EXPORT ZALMetalTargets NAMESPACE ZALMetal:: DESTINATION "${zal_package_dir}")
 configure_package_config_file(cmake/ZALMetalConfig.cmake.in "${CMAKE_BINARY_DIR}/ZALMetalConfig.cmake" INSTALL_DESTINATION "${zal_package_dir}")
