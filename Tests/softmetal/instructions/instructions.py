@@ -8,17 +8,15 @@ import re
 import subprocess
 import sys
 
+from exact import inexact_calls, inexact_lines
+
 library, objdump, nm = sys.argv[1:4]
-INEXACT = re.compile(r"\bv?(rcp|rsqrt)(14|28)?[ps][sdh]\b|\bvfn?m(add|sub|addsub|subadd)[0-9]*[ps][sdh]\b")
-EXACT = {"ceil", "fabs", "floor", "fmod", "fmodf", "frexp", "frexpf", "ldexp", "ldexpf", "lrint", "lround", "nearbyint", "nearbyintf",
-         "rint", "rintf", "round", "sqrt", "sqrtf", "trunc", "truncf", "ceilf", "floorf", "lroundf", "lrintf"}
-TRANSCENDENTAL = re.compile(r"^(a?(sin|cos|tan)h?|atan2|sincos|exp(2|10|m1)?|log(2|10|1p|b)?|pow|cbrt|hypot|fma|[lt]?gamma|erfc?)[fl]?$")
 
 listing = subprocess.run([objdump, "-d", "--no-show-raw-insn", library], check=True, capture_output=True, text=True).stdout
 multiplications = len(re.findall(r"\bv?mulps\b", listing))
-faults = [line.strip() for line in listing.splitlines() if INEXACT.search(line)]
+faults = inexact_lines(listing)
 imported = {line.split()[-1].split("@")[0] for line in subprocess.run([nm, "-D", "--undefined-only", library], check=True, capture_output=True, text=True).stdout.splitlines()}
-faults += [f"calls {name}" for name in sorted(imported) if TRANSCENDENTAL.match(name) and name not in EXACT]
+faults += inexact_calls(imported)
 
 if multiplications < 100:
     faults.append(f"only {multiplications} packed multiplications: this does not look like the device's code")
