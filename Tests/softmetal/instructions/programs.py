@@ -53,8 +53,9 @@ for lanes in LANES:
         metal = [in_metal(source, folder) for source in sources]
         report = subprocess.run([program_code, str(lanes), folder, *metal], check=True, capture_output=True, text=True).stdout
         for line in report.splitlines():
-            words, _, imports = line.partition(":")
-            binary, entry, source, function = words.split(" ")
+            words, _, imports = line.rpartition(":")
+            binary, entry, rest = words.split(" ", 2)
+            source, function = rest.rsplit(" ", 1)
             listing = instructions(pathlib.Path(folder) / binary, int(entry))
             where = f"{pathlib.Path(source).name}, {function}, {lanes} lanes: "
             found = inexact_lines(listing) + inexact_calls(imports.split())
