@@ -78,14 +78,18 @@ struct Projection
 
 using DepthBias = float (*)(const DrawState& state, uint32_t depthFormat, const abi::Plane& depth, double farthest);
 
+inline constexpr uint32_t BatchOfValues = 8;
+
 /// Corners of triangles, three each, and what their set-up needs.
 struct Assembly
 {
+    const Projection* projection;
     const ScreenVertex* vertices;
-    const double* values;      // of vertex v from v * valuesEach: depth, 1/w, inputs over w where they are perspective
-    const abi::Lanes* outputs; // of the vertex function, for flat inputs
-    const PlaneSource* sources;
-    uint32_t sourceCount, valuesEach, components, lanes;
+    uint32_t vertexCount;
+    const abi::Lanes* outputs; // of the vertex function: those of batch b from b * components on
+    uint32_t components, lanes;
+    double* values; // of vertex v from v * valuesEach: depth, 1/w, inputs over w where they are perspective
+    uint8_t* made;  // of each BatchOfValues vertices: whether their values are there
     bool anyFlat;
     const uint32_t* corners;
     uint32_t count, firstId;
@@ -100,8 +104,7 @@ struct Geometry
     /// Words of an attribute for count vertices (at least one); the lanes above repeat the last.
     void (*fetch)(const Fetch& fetch, const uint32_t* ids, uint32_t count, uint32_t width, abi::Lanes* words);
     /// Projects a batch of vertices, from the vertex function's outputs.
-    void (*project)(const Projection& p, const abi::Lanes* outputs, uint32_t count, ScreenVertex* vertices,
-                    double* values);
+    void (*project)(const Projection& p, const abi::Lanes* outputs, uint32_t count, ScreenVertex* vertices);
     /// Sets triangles up from number first on; the number of the first that is hard, else count.
     uint32_t (*assemble)(const Assembly& a, uint32_t first, Draw& draw);
 };

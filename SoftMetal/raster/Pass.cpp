@@ -18,9 +18,10 @@ namespace softmetal::raster
 namespace
 {
 
-constexpr size_t MostTriangles = 1u << 14; // held back before tiles are drawn
+// Triangles are held back before tiles are drawn, but no more than a processor's cache holds beside the tile.
+constexpr size_t MostTriangles = 1u << 12;
 constexpr uint32_t PrimitivesAPart = 4096; // of a long list, which is set up in parts, several at a time
-constexpr size_t PartsAtOnce = 4, MostSpares = 2 * PartsAtOnce;
+constexpr size_t FewestParts = 2, MostSpares = 16;
 constexpr size_t FewTiles = 1;
 
 std::atomic<uint32_t> laneCount{4};
@@ -56,7 +57,7 @@ public:
             part.start += first;
             part.count = std::min(step, call.count - first);
             part.firstPrimitive = first / cornersOf(call.primitive);
-            if (parts.size() < PartsAtOnce) continue;
+            if (parts.size() < std::max(FewestParts, workers::threadCount())) continue;
             drawParts(state, parts);
             parts.clear();
         }

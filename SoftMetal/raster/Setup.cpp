@@ -6,6 +6,7 @@
 #include "vectors/InstructionSet.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace softmetal::raster
 {
@@ -142,20 +143,22 @@ private:
         }
     }
 
-    Assembly assembly(const Projection& projection, const Grown<uint32_t>& corners) const
+    Assembly assembly(const Projection& projection, const Grown<uint32_t>& corners)
     {
         const DrawState& state = draw_.state;
-        const ShadedVertices& shaded = scratch_.shaded;
+        ShadedVertices& shaded = scratch_.shaded;
+        const PlaneSource *sources = projection.sources, *end = sources + projection.sourceCount;
         Assembly a{};
+        a.projection = &projection;
         a.vertices = shaded.vertices.data();
-        a.values = shaded.values.data();
+        a.vertexCount = static_cast<uint32_t>(shaded.vertices.size());
         a.outputs = shaded.outputs.data();
-        a.sources = projection.sources;
-        a.sourceCount = projection.sourceCount;
-        a.valuesEach = projection.valuesEach;
         a.components = shaded.components;
         a.lanes = shaded.lanes;
-        a.anyFlat = std::any_of(a.sources, a.sources + a.sourceCount, [](const auto& s) { return s.kind == Flat; });
+        a.values = shaded.values.resize(shaded.vertices.size() * projection.valuesEach);
+        const size_t batches = shaded.vertices.size() / BatchOfValues + 1;
+        a.made = static_cast<uint8_t*>(std::memset(shaded.made.resize(batches), 0, batches));
+        a.anyFlat = std::any_of(sources, end, [](const auto& s) { return s.kind == Flat; });
         a.corners = corners.data();
         a.count = static_cast<uint32_t>(corners.size() / 3);
         a.firstId = call_.firstPrimitive;

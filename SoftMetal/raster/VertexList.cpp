@@ -51,13 +51,34 @@ void measure(const Grown<uint32_t>& numbers, uint32_t restart, VertexList& list)
     }
 }
 
+/// Whether every number from the least to the most is named, as it is in most meshes: each then stands for its place.
+bool placeAll(VertexList& list)
+{
+    static thread_local Grown<uint8_t> memory;
+    const size_t range = size_t{list.most} - list.least + 1, count = list.places.size();
+    if (range > count) return false;
+    auto* named = static_cast<uint8_t*>(std::memset(memory.resize(range), 0, range));
+    uint32_t *ids = list.ids.data(), *places = list.places.data();
+    const uint32_t least = list.least;
+    for (size_t i = 0; i < count; ++i)
+        named[places[i] - least] = 1;
+    if (std::memchr(named, 0, range)) return false;
+    for (size_t i = 0; i < count; ++i)
+        places[i] -= least;
+    for (size_t i = 0; i < range; ++i)
+        ids[i] = least + static_cast<uint32_t>(i);
+    list.ids.resize(range);
+    return true;
+}
+
 /// Numbers that lie close together: a table says where each was put.
 template <bool Restarts>
 void placeDense(VertexList& list, uint32_t restart)
 {
-    static thread_local Grown<uint32_t> table;
-    const uint32_t range = list.most - list.least + 1;
-    std::fill_n(table.resize(range), range, Restart);
+    static thread_local Grown<uint32_t> memory;
+    const size_t range = size_t{list.most} - list.least + 1;
+    uint32_t* table = memory.resize(range);
+    std::fill_n(table, range, Restart);
     uint32_t *ids = list.ids.data(), *places = list.places.data();
     uint32_t added = 0;
     for (size_t i = 0; i < list.places.size(); ++i) {
@@ -109,7 +130,8 @@ void listIndexed(const DrawCall& call, VertexList& list)
         return;
     }
     if (list.most - list.least >= 4 * uint64_t{call.count} + 1024) return placeSparse(list, restarts, restart);
-    restarts ? placeDense<true>(list, restart) : placeDense<false>(list, restart);
+    if (restarts) return placeDense<true>(list, restart);
+    if (!placeAll(list)) placeDense<false>(list, restart);
 }
 
 } // namespace

@@ -143,8 +143,7 @@ void shadeBatch(const Shading& s, uint32_t first, Batch& batch)
     // The function writes no components but those that it has.
     abi::Lanes* outputs = s.shaded.outputs.data() + size_t{first / width} * s.shaded.components;
     s.state.pipeline->vertex(&batch.input, reinterpret_cast<abi::VertexOutput*>(outputs), s.state.vertexResources);
-    loops.project(s.projection, outputs, count, s.shaded.vertices.data() + first,
-                  s.shaded.values.data() + size_t{first} * s.projection.valuesEach);
+    loops.project(s.projection, outputs, count, s.shaded.vertices.data() + first);
 }
 
 void shadeSome(const Shading& s, size_t begin, size_t end)
@@ -167,7 +166,6 @@ void shade(const DrawState& state, const DrawCall& call, const VertexList& list,
     const size_t batches = (count + shaded.lanes - 1) / shaded.lanes;
     shaded.outputs.resize(batches * shaded.components);
     shaded.vertices.resize(count);
-    shaded.values.resize(count * projection.valuesEach);
     makePlan(state, call, list, plan);
     const Shading shading{state, call, list, instance, projection, plan, shaded};
     if (count <= VerticesATask) return shadeSome(shading, 0, count);

@@ -10,7 +10,7 @@ namespace softmetal::raster
 /// vertex that is named again is shaded once. Its memory is used again by the next call.
 struct VertexList
 {
-    Grown<uint32_t> ids;          // distinct vertex numbers, in order of first use
+    Grown<uint32_t> ids;          // distinct vertex numbers, in the order of numbers or of first use
     Grown<uint32_t> places;       // for each index: position in ids, or Restart
     uint32_t least = 0, most = 0; // of ids
     static constexpr uint32_t Restart = 0xFFFFFFFF;
@@ -23,7 +23,8 @@ struct ShadedVertices
 {
     Grown<abi::Lanes> outputs; // of the vertex function: those of batch b from b * components on
     Grown<ScreenVertex> vertices;
-    Grown<double> values; // see Assembly
+    Grown<double> values; // see Assembly, which fills them
+    Grown<uint8_t> made;
     uint32_t components = 4, lanes = 16;
 
     /// All outputs of one vertex; the first four are the clip-space position.
