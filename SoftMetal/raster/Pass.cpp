@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cstring>
 #include <iterator>
 #include <memory>
 #include <span>
@@ -17,9 +18,10 @@ namespace softmetal::raster
 namespace
 {
 
-constexpr size_t MostTriangles = 1u << 16; // held back before tiles are drawn
+// Triangles are held back before tiles are drawn, but no more than a processor's cache holds beside the tile.
+constexpr size_t MostTriangles = 1u << 12;
 constexpr uint32_t PrimitivesAPart = 4096; // of a long list, which is set up in parts, several at a time
-constexpr size_t PartsAtOnce = 8, MostSpares = 2 * PartsAtOnce;
+constexpr size_t FewestParts = 2, MostSpares = 16;
 constexpr size_t FewTiles = 1;
 
 std::atomic<uint32_t> laneCount{4};
@@ -55,7 +57,7 @@ public:
             part.start += first;
             part.count = std::min(step, call.count - first);
             part.firstPrimitive = first / cornersOf(call.primitive);
-            if (parts.size() < PartsAtOnce) continue;
+            if (parts.size() < std::max(FewestParts, workers::threadCount())) continue;
             drawParts(state, parts);
             parts.clear();
         }
@@ -79,21 +81,44 @@ private:
     /// Sets the parts up side by side and bins their triangles in order.
     void drawParts(const DrawState& state, std::span<const DrawCall> parts)
     {
-        const size_t begin = draws_.size();
-        for (size_t i = 0; i < parts.size(); ++i) {
-            draws_.push_back(takeSpare());
-            draws_.back()->state = state;
-        }
-        workers::parallelFor(parts.size(), [&](size_t i) {
-            setUp(parts[i], pass_.width, pass_.height, pass_.depth.texture ? pass_.depth.texture->format : 0,
-                  *draws_[begin + i]);
-        });
-        for (size_t d = begin; d < draws_.size(); ++d) {
-            for (uint32_t i = 0; i < draws_[d]->triangles.size(); ++i)
-                bin(*draws_[d], i);
-            held_ += draws_[d]->triangles.size();
+        const uint32_t depthFormat = pass_.depth.texture ? pass_.depth.texture->format : 0;
+        if (parts.size() == 1) {
+            Draw& draw = continues(state, parts[0]) ? *draws_.back() : add(state);
+            const size_t first = draw.triangles.size();
+            setUp(parts[0], pass_.width, pass_.height, depthFormat, draw);
+            bin(draw, first);
+        } else {
+            const size_t begin = draws_.size();
+            for (size_t i = 0; i < parts.size(); ++i)
+                add(state);
+            workers::parallelFor(parts.size(), [&](size_t i) {
+                setUp(parts[i], pass_.width, pass_.height, depthFormat, *draws_[begin + i]);
+            });
+            for (size_t d = begin; d < draws_.size(); ++d)
+                bin(*draws_[d], 0);
+            // What has nothing to show does not keep its memory until the tiles are drawn.
+            const auto shown = std::stable_partition(draws_.begin() + static_cast<std::ptrdiff_t>(begin), draws_.end(),
+                                                     [](const auto& draw) { return draw->triangles.size() != 0; });
+            std::for_each(shown, draws_.end(), [](auto& draw) { giveBack(std::move(draw)); });
+            draws_.erase(shown, draws_.end());
         }
         if (held_ > MostTriangles) flush();
+    }
+
+    Draw& add(const DrawState& state)
+    {
+        draws_.push_back(takeSpare());
+        draws_.back()->state = state;
+        return *draws_.back();
+    }
+
+    /// Whether the last draw can take the call's triangles too: then a tile need not begin anew with them.
+    bool continues(const DrawState& state, const DrawCall& call) const
+    {
+        if (draws_.empty()) return false;
+        const Draw& last = *draws_.back();
+        return last.points == (call.primitive == 0) && last.triangles.size() < PrimitivesAPart &&
+               std::memcmp(&last.state, &state, sizeof state) == 0;
     }
 
     /// Draws of this thread whose memory is used again: fresh pages cost more than setting up the triangles in them.
@@ -119,16 +144,19 @@ private:
         spares().push_back(std::move(draw));
     }
 
-    void bin(const Draw& draw, uint32_t index)
+    void bin(const Draw& draw, size_t first)
     {
-        const Triangle& t = draw.triangles[index];
-        for (uint32_t y = static_cast<uint32_t>(t.minY) / TileSize; y <= static_cast<uint32_t>(t.maxY) / TileSize; ++y)
-            for (uint32_t x = static_cast<uint32_t>(t.minX) / TileSize; x <= static_cast<uint32_t>(t.maxX) / TileSize;
-                 ++x) {
-                const size_t tile = static_cast<size_t>(y) * tilesX_ + x;
-                if (bins_[tile].empty()) filled_.push_back(tile);
-                bins_[tile].push_back({&draw, index});
-            }
+        held_ += draw.triangles.size() - first;
+        for (size_t i = first; i < draw.triangles.size(); ++i) {
+            const Triangle& t = draw.triangles[i];
+            const Binned binned{&draw, static_cast<uint32_t>(i)};
+            for (uint32_t y = t.minY / TileSize; y <= t.maxY / TileSize; ++y)
+                for (uint32_t x = t.minX / TileSize; x <= t.maxX / TileSize; ++x) {
+                    const size_t tile = static_cast<size_t>(y) * tilesX_ + x;
+                    if (bins_[tile].empty()) filled_.push_back(tile);
+                    bins_[tile].push_back(binned);
+                }
+        }
     }
 
     void flush()
@@ -143,9 +171,12 @@ private:
             bins_[tile].clear();
         };
         // Tiles without a triangle are left alone, and a single one is drawn before another thread would have woken up.
-        if (first) workers::parallelFor(bins_.size(), work);
-        else if (filled_.size() <= FewTiles) std::for_each(filled_.begin(), filled_.end(), work);
-        else workers::parallelFor(filled_.size(), [&](size_t i) { work(filled_[i]); });
+        if (first)
+            workers::parallelFor(bins_.size(), work);
+        else if (filled_.size() <= FewTiles)
+            std::for_each(filled_.begin(), filled_.end(), work);
+        else
+            workers::parallelFor(filled_.size(), [&](size_t i) { work(filled_[i]); });
         filled_.clear();
         cleared_ = true;
         for (auto& draw : draws_)
@@ -157,7 +188,7 @@ private:
     PassDescription pass_;
     uint32_t tilesX_, tilesY_;
     std::vector<std::vector<Binned>> bins_;
-    std::vector<size_t> filled_; // tiles whose bins hold something
+    std::vector<size_t> filled_;               // tiles whose bins hold something
     std::vector<std::unique_ptr<Draw>> draws_; // bins point to them
     size_t held_ = 0;
     bool cleared_ = false, finished_ = false;

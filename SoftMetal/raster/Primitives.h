@@ -2,45 +2,40 @@
 // What lies between vertex shading and tiles: primitives set up for rasterisation, and the draw they belong to.
 #pragma once
 
+#include "raster/Grown.h"
 #include "raster/Pass.h"
 
-#include <vector>
+namespace softmetal::raster
+{
 
-namespace softmetal::raster {
-
-inline constexpr int SubpixelBits = 8;               // vertex positions snap to 1/256 pixel
+inline constexpr int SubpixelBits = 8; // vertex positions snap to 1/256 pixel
 inline constexpr int64_t SubpixelScale = 1 << SubpixelBits;
 inline constexpr uint32_t TileSize = 64;
 
-/// Half-plane a x + b y + c >= 0, in sub-pixel units; the fill rule is folded into c.
-struct Edge
-{
-    int64_t a, b, c;
-};
-
-/// A triangle ready to be walked. planes points to depth, 1/w and the fragment function's inputs, in this order.
+/// A triangle ready to be walked: clockwise as seen (y runs down), with some area.
 struct Triangle
 {
-    Edge edges[3];
-    int32_t minX, minY, maxX, maxY; // pixels, inclusive, within the render area and scissor
-    float originX, originY;         // reference point of the planes, pixels
-    uint32_t firstPlane;            // index into Draw::planes
+    int32_t x[3], y[3];              // corners, sub-pixel units
+    uint16_t minX, minY, maxX, maxY; // pixels, inclusive, within the render area and scissor
+    float originX, originY;          // reference point of the planes, pixels
     uint32_t primitiveId;
-    bool frontFacing;
-    bool point;
-    float pointX, pointY, pointSize; // of a point: its top left corner and size, pixels
+    uint32_t frontFacing;
 };
 
-/// One draw call, shaded and set up; kept until its tiles are drawn.
+/// A draw call, or several with one state, shaded and set up; kept until its tiles are drawn.
 struct Draw
 {
     DrawState state;
-    std::vector<Triangle> triangles;
-    std::vector<abi::Plane> planes;
-    uint32_t planesEach = 2; // depth, 1/w, inputs
+    Grown<Triangle> triangles;
+    Grown<abi::Plane> planes; // planesEach for each triangle, in the same order
+    uint32_t planesEach = 2;  // depth, 1/w, inputs; of points also their corner and size
+    bool points = false;
+
+    const abi::Plane* planesOf(size_t triangle) const { return planes.data() + triangle * planesEach; }
 };
 
-/// Shades the vertices of a call, assembles, clips and sets up its primitives. The area is in pixels.
+/// Shades the vertices of a call, assembles, clips and sets up its primitives behind those that the draw has. The area
+/// is in pixels.
 void setUp(const DrawCall& call, uint32_t width, uint32_t height, uint32_t depthFormat, Draw& draw);
 
 uint32_t lanes();

@@ -1,179 +1,177 @@
 // SPDX-License-Identifier: Apache-2.0
+// Fetching attributes and running the vertex function, batch by batch.
 #include "raster/Vertices.h"
 
-#include "formats/VertexFormat.h"
 #include "inspect/ShaderFaults.h"
-#include "raster/Primitives.h"
 #include "workers/Pool.h"
 
 #include <algorithm>
 #include <array>
-#include <cstring>
+#include <bit>
 #include <memory>
-#include <unordered_map>
 
-namespace softmetal::raster {
-namespace {
-
-constexpr uint8_t Index16 = 0, LineStrip = 2, TriangleStrip = 4, PerVertex = 1;
-constexpr size_t BatchesATask = 8;
-
-uint32_t indexAt(const DrawCall& call, uint64_t i)
+namespace softmetal::raster
 {
-    uint32_t value = 0;
-    uint64_t size = call.indexType == Index16 ? 2 : 4;
-    if ((i + 1) * size > call.indexBytes) return 0; // beyond the buffer: as if it held zeros
-    std::memcpy(&value, static_cast<const uint8_t*>(call.indices) + i * size, size);
-    return value;
+namespace
+{
+
+constexpr uint8_t PerVertex = 1, PerInstance = 2;
+constexpr size_t VerticesATask = 128;
+
+FetchKind kindOf(const Fetch& f)
+{
+    const formats::VertexFormatInfo& i = f.format;
+    if (!f.data || i.bytes() == 0) return FetchKind::Zeros;
+    if (i.real && i.componentBytes == 4) {
+        constexpr FetchKind Kinds[] = {FetchKind::Float1, FetchKind::Float2, FetchKind::Float3, FetchKind::Float4};
+        return Kinds[i.components - 1];
+    }
+    const bool bytes = i.normalized && !i.isSigned && !i.packed && !i.bgra && i.componentBytes == 1;
+    return bytes && i.components == 4 ? FetchKind::Bytes4 : FetchKind::General;
 }
 
-/// Finds the place of a vertex number among those seen; dense tables are quick, wide ranges go through a map.
-class Places
+/// What is fetched for a draw, and how.
+struct Plan
 {
-public:
-    /// The least number that will come keeps the table short for a part of a long list.
-    Places(size_t expected, uint32_t least) : least_(least) { dense_.reserve(expected); }
-
-    uint32_t of(uint32_t id, std::vector<uint32_t>& ids)
-    {
-        const uint32_t at = id - least_;
-        if (at < DenseLimit) {
-            if (at >= dense_.size()) dense_.resize(std::max<size_t>(at + 1, dense_.size() * 2), VertexList::Restart);
-            if (dense_[at] == VertexList::Restart) dense_[at] = add(id, ids);
-            return dense_[at];
-        }
-        auto [place, added] = sparse_.try_emplace(id, 0);
-        if (added) place->second = add(id, ids);
-        return place->second;
-    }
-
-private:
-    static constexpr uint32_t DenseLimit = 1u << 22;
-    static uint32_t add(uint32_t id, std::vector<uint32_t>& ids)
-    {
-        ids.push_back(id);
-        return static_cast<uint32_t>(ids.size() - 1);
-    }
-    uint32_t least_;
-    std::vector<uint32_t> dense_;
-    std::unordered_map<uint32_t, uint32_t> sparse_;
+    std::array<Fetch, abi::MaxVertexAttributes> fetches;
+    size_t count = 0;
 };
 
-/// How one attribute is fetched for a draw.
-struct Fetch
+void makePlan(const DrawState& state, const DrawCall& call, const VertexList& list, Plan& plan)
 {
-    uint32_t attribute;
-    formats::VertexFormatInfo format;
-    const uint8_t* data;
-    uint64_t bytes, stride;
-    uint8_t step;
-    uint32_t rate;
-    bool asFloat;
-    bool checked; // vertices behind indices: what an encoder cannot know
-};
-
-std::vector<Fetch> fetches(const DrawState& state, bool indexed)
-{
-    std::vector<Fetch> result;
     const Pipeline& pipeline = *state.pipeline;
-    for (uint32_t a = 0; a < abi::MaxVertexAttributes; ++a) {
-        if (!(pipeline.attributeMask >> a & 1)) continue;
+    const abi::Resources& resources = *state.vertexResources;
+    plan.count = 0;
+    for (uint32_t mask = pipeline.attributeMask; mask != 0; mask &= mask - 1) {
+        const auto a = static_cast<uint32_t>(std::countr_zero(mask));
         const VertexAttribute& attribute = pipeline.attributes[a];
         const VertexLayout& layout = pipeline.layouts[attribute.buffer];
-        const abi::Resources& resources = *state.vertexResources;
-        uint64_t bytes = resources.bufferLengths[attribute.buffer];
+        const uint64_t bytes = resources.bufferLengths[attribute.buffer];
         const uint8_t* data = resources.buffers[attribute.buffer];
-        bool there = data && attribute.format != 0 && attribute.offset <= bytes;
-        result.push_back({a, formats::vertexFormatInfo(attribute.format), there ? data + attribute.offset : nullptr,
-                          there ? bytes - attribute.offset : 0, layout.stride, layout.stepFunction, std::max(layout.stepRate, 1u),
-                          (pipeline.floatAttributes >> a & 1) != 0, indexed && layout.stepFunction == PerVertex && bytes > 0});
+        const bool there = data && attribute.format != 0 && attribute.offset <= bytes;
+        Fetch& f = plan.fetches[plan.count++];
+        f.attribute = a;
+        f.format = formats::vertexFormatInfo(attribute.format);
+        f.data = there ? data + attribute.offset : nullptr;
+        f.bytes = there ? bytes - attribute.offset : 0;
+        f.stride = layout.stride;
+        f.step = layout.stepFunction;
+        f.rate = std::max(layout.stepRate, 1u);
+        f.asFloat = (pipeline.floatAttributes >> a & 1) != 0;
+        f.checked = call.indices && layout.stepFunction == PerVertex && bytes > 0;
+        f.kind = kindOf(f);
+        f.inside = f.kind == FetchKind::Zeros ? !f.checked : list.most * f.stride + f.format.bytes() <= f.bytes;
     }
-    return result;
 }
 
-void fetchLane(const Fetch& f, uint64_t element, uint32_t lane, abi::Lanes* attributes)
+bool holds(const Fetch& f, uint64_t element)
 {
+    return f.kind != FetchKind::Zeros && element * f.stride + f.format.bytes() <= f.bytes;
+}
+
+/// Where some of the vertices may lie beyond the end of the buffer.
+void fetchChecked(const Fetch& f, const uint32_t* ids, uint32_t count, uint32_t width, abi::Lanes* to)
+{
+    for (uint32_t lane = 0; lane < width; ++lane) {
+        const uint32_t id = ids[std::min(lane, count - 1)]; // idle lanes repeat the last one
+        uint32_t words[4] = {0, 0, 0, 0};
+        if (holds(f, id))
+            formats::fetch(f.format, f.data + id * f.stride, f.asFloat, words);
+        else if (f.checked)
+            inspect::noteOutsideVertices(f.attribute);
+        for (uint32_t c = 0; c < 4; ++c)
+            to[c].u[lane] = words[c];
+    }
+}
+
+/// What is the same for all vertices of an instance.
+void fetchConstant(const Fetch& f, const DrawCall& call, uint32_t instance, uint32_t width, abi::Lanes* to)
+{
+    const uint64_t element =
+        f.step == PerInstance ? call.baseInstance + (instance - call.baseInstance) / f.rate : uint64_t{0};
     uint32_t words[4] = {0, 0, 0, 0};
-    uint64_t at = element * f.stride, size = f.format.bytes();
-    if (f.data && size > 0 && at + size <= f.bytes) formats::fetch(f.format, f.data + at, f.asFloat, words);
-    else if (f.checked) inspect::noteOutsideVertices(f.attribute);
-    for (uint32_t c = 0; c < 4; ++c) attributes[f.attribute * 4 + c].u[lane] = words[c];
+    if (holds(f, element)) formats::fetch(f.format, f.data + element * f.stride, f.asFloat, words);
+    for (uint32_t c = 0; c < 4; ++c)
+        std::fill_n(to[c].u, width, words[c]);
 }
 
 struct Batch
 {
     abi::VertexInput input;
-    abi::VertexOutput output;
     std::array<abi::Lanes, abi::MaxVertexAttributes * 4> attributes;
 };
 
-void shadeBatch(const DrawState& state, const std::vector<Fetch>& plan, const VertexList& list, uint32_t instance, const DrawCall& call,
-                uint32_t first, Batch& batch, ShadedVertices& out)
+/// Everything that tasks of one instance share.
+struct Shading
 {
-    uint32_t width = lanes(), count = std::min<uint32_t>(width, static_cast<uint32_t>(list.ids.size()) - first);
-    batch.input.mask = (1u << count) - 1;
-    batch.input.baseVertex = static_cast<uint32_t>(call.baseVertex);
-    batch.input.baseInstance = call.baseInstance;
+    const DrawState& state;
+    const DrawCall& call;
+    const VertexList& list;
+    uint32_t instance;
+    const Projection& projection;
+    const Plan& plan;
+    ShadedVertices& shaded;
+};
+
+void startTask(const Shading& s, Batch& batch)
+{
+    batch.input.baseVertex = static_cast<uint32_t>(s.call.baseVertex);
+    batch.input.baseInstance = s.call.baseInstance;
     batch.input.attributes = batch.attributes.data();
-    for (uint32_t lane = 0; lane < width; ++lane) {
-        uint32_t id = list.ids[first + std::min(lane, count - 1)]; // idle lanes repeat the last one
-        batch.input.vertexId.u[lane] = id;
-        batch.input.instanceId.u[lane] = instance;
-        for (const Fetch& f : plan) {
-            uint64_t element = f.step == PerVertex ? id : f.step == 2 ? call.baseInstance + (instance - call.baseInstance) / f.rate : 0;
-            fetchLane(f, element, lane, batch.attributes.data());
-        }
+    std::fill_n(batch.input.instanceId.u, s.shaded.lanes, s.instance);
+    for (size_t i = 0; i < s.plan.count; ++i) {
+        const Fetch& f = s.plan.fetches[i];
+        if (f.step != PerVertex)
+            fetchConstant(f, s.call, s.instance, s.shaded.lanes, &batch.attributes[f.attribute * 4]);
     }
-    state.pipeline->vertex(&batch.input, &batch.output, state.vertexResources);
-    for (uint32_t lane = 0; lane < count; ++lane) {
-        float* to = out.values.data() + static_cast<size_t>(first + lane) * out.stride;
-        for (uint32_t c = 0; c < out.stride; ++c) to[c] = batch.output.component[c].f[lane];
+}
+
+void shadeBatch(const Shading& s, uint32_t first, Batch& batch)
+{
+    const uint32_t width = s.shaded.lanes;
+    const uint32_t count = std::min(width, static_cast<uint32_t>(s.list.ids.size()) - first);
+    const uint32_t* ids = s.list.ids.data() + first;
+    batch.input.mask = (1u << count) - 1;
+    for (uint32_t lane = 0; lane < width; ++lane)
+        batch.input.vertexId.u[lane] = ids[std::min(lane, count - 1)]; // idle lanes repeat the last one
+    const Geometry& loops = geometry();
+    for (size_t i = 0; i < s.plan.count; ++i) {
+        const Fetch& f = s.plan.fetches[i];
+        if (f.step != PerVertex) continue;
+        (f.inside ? loops.fetch : fetchChecked)(f, ids, count, width, &batch.attributes[f.attribute * 4]);
     }
+    // The function writes no components but those that it has.
+    abi::Lanes* outputs = s.shaded.outputs.data() + size_t{first / width} * s.shaded.components;
+    s.state.pipeline->vertex(&batch.input, reinterpret_cast<abi::VertexOutput*>(outputs), s.state.vertexResources);
+    loops.project(s.projection, outputs, count, s.shaded.vertices.data() + first);
+}
+
+void shadeSome(const Shading& s, size_t begin, size_t end)
+{
+    static thread_local auto batch = std::make_unique<Batch>();
+    startTask(s, *batch);
+    for (size_t first = begin; first < end && !inspect::shaderLimitReached(); first += s.shaded.lanes)
+        shadeBatch(s, static_cast<uint32_t>(first), *batch);
 }
 
 } // namespace
 
-VertexList listVertices(const DrawCall& call)
+void shade(const DrawState& state, const DrawCall& call, const VertexList& list, uint32_t instance,
+           const Projection& projection, ShadedVertices& shaded)
 {
-    VertexList list;
-    list.places.reserve(call.count);
-    if (!call.indices) {
-        for (uint32_t i = 0; i < call.count; ++i) {
-            list.ids.push_back(call.start + i);
-            list.places.push_back(i);
-        }
-        return list;
-    }
-    bool restarts = call.primitive == LineStrip || call.primitive == TriangleStrip;
-    uint32_t restart = call.indexType == Index16 ? 0xFFFF : 0xFFFFFFFF;
-    uint32_t least = UINT32_MAX;
-    for (uint64_t i = 0; i < call.count; ++i) {
-        const uint32_t index = indexAt(call, call.start + i);
-        if (!restarts || index != restart) least = std::min(least, index + static_cast<uint32_t>(call.baseVertex));
-    }
-    Places places(call.count, least);
-    for (uint64_t i = 0; i < call.count; ++i) {
-        uint32_t index = indexAt(call, call.start + i);
-        if (restarts && index == restart) list.places.push_back(VertexList::Restart);
-        else list.places.push_back(places.of(index + static_cast<uint32_t>(call.baseVertex), list.ids));
-    }
-    return list;
-}
-
-ShadedVertices shade(const DrawState& state, const DrawCall& call, const VertexList& list, uint32_t instance)
-{
-    ShadedVertices out;
-    out.stride = state.pipeline->outputComponents;
-    out.values.resize(list.ids.size() * out.stride);
-    std::vector<Fetch> plan = fetches(state, call.indices != nullptr);
-    size_t step = lanes() * BatchesATask, tasks = (list.ids.size() + step - 1) / step;
-    workers::parallelFor(tasks, [&](size_t task) {
-        static thread_local auto batch = std::make_unique<Batch>();
-        size_t end = std::min(list.ids.size(), (task + 1) * step);
-        for (size_t first = task * step; first < end && !inspect::shaderLimitReached(); first += lanes())
-            shadeBatch(state, plan, list, instance, call, static_cast<uint32_t>(first), *batch, out);
+    static thread_local Plan plan;
+    const size_t count = list.ids.size();
+    shaded.components = state.pipeline->outputComponents;
+    shaded.lanes = lanes();
+    const size_t batches = (count + shaded.lanes - 1) / shaded.lanes;
+    shaded.outputs.resize(batches * shaded.components);
+    shaded.vertices.resize(count);
+    makePlan(state, call, list, plan);
+    const Shading shading{state, call, list, instance, projection, plan, shaded};
+    if (count <= VerticesATask) return shadeSome(shading, 0, count);
+    workers::parallelFor((count + VerticesATask - 1) / VerticesATask, [&](size_t task) {
+        shadeSome(shading, task * VerticesATask, std::min(count, (task + 1) * VerticesATask));
     });
-    return out;
 }
 
 } // namespace softmetal::raster

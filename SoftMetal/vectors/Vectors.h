@@ -47,10 +47,7 @@ template <typename Vector, typename Scalar> SOFTMETAL_INLINE Vector splat(Scalar
 
 template <uint32_t W> SOFTMETAL_INLINE Float<W> splatFloat(float s)
 {
-    // Zero plus s would turn a negative zero into a positive one.
-    Float<W> v;
-    for (uint32_t i = 0; i < W; ++i) v[i] = s;
-    return v;
+    return -Float<W>{} + s; // zero plus s would turn a negative zero into a positive one
 }
 
 template <uint32_t W> SOFTMETAL_INLINE Int<W> bitsOf(Float<W> v)
