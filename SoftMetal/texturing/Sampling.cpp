@@ -49,11 +49,17 @@ int64_t wrap(int64_t i, int64_t size, uint8_t mode)
 /// Keeps wild coordinates in the range of whole numbers; not-a-number counts as zero.
 double tame(double v) { return v == v ? std::clamp(v, -1e9, 1e9) : 0.0; }
 
-Texel borderColor(const Texture& texture, const Sampler& sampler, bool zero)
+/// Before the swizzle.
+Texel plainBorder(const Sampler& sampler, bool zero)
 {
     float alpha = zero || sampler.borderColor == 0 ? 0.0f : 1.0f, rgb = !zero && sampler.borderColor == 2 ? 1.0f : 0.0f;
-    const float color[4] = {rgb, rgb, rgb, alpha};
-    return texture.identity ? Texel{{rgb, rgb, rgb, alpha}} : swizzled(texture, color);
+    return {{rgb, rgb, rgb, alpha}};
+}
+
+Texel borderColor(const Texture& texture, const Sampler& sampler, bool zero)
+{
+    const Texel plain = plainBorder(sampler, zero);
+    return texture.identity ? plain : swizzled(texture, plain.c);
 }
 
 /// One lane's access, with everything that is the same for its levels.
@@ -325,40 +331,35 @@ bool fitsOffsets(const Texture& texture)
     return first.planePitch * std::max(first.depth, 1u) <= 0x7FFFFFFF;
 }
 
+/// Whether the call takes its level from differences, given or within quads.
+bool hasFootprint(const SampleCall& call) { return call.lodMode == LodMode::Gradient || (call.stage == 1 && call.lodMode != LodMode::Level); }
+
+bool choosesLevel(const Sampler& sampler) { return sampler.mipFilter != MipNone || sampler.minFilter != sampler.magFilter || sampler.maxAnisotropy > 1; }
+
 /// Takes the call when it is of a kind that all lanes can do at once.
-bool sampledAtOnce(const Texture& texture, const Access& access, const Sampler& sampler, const Texel& border, bool needsLod, bool quads, SampleCall& call)
+bool sampledAtOnce(const Texture& texture, const Access& access, const Sampler& sampler, SampleCall& call)
 {
-    bool plain = access.dimensions > 1 && !access.cube && !access.array && texture.identity && kernelReads(texture.format);
+    const TexelKind kind = texelKind(texture.format);
+    const bool quads = hasFootprint(call), needsLod = choosesLevel(sampler);
     bool simple = !needsLod || ((!quads || sampler.normalizedCoordinates != 0) && sampler.maxAnisotropy <= 1);
-    if (!plain || !simple || !fitsOffsets(texture)) return false;
-    SampleJob job{&texture, &sampler, access.dimensions, needsLod, quads, {border.c[0], border.c[1], border.c[2], border.c[3]}};
+    if (kind == TexelKind::None || access.cube || access.array || !simple || !fitsOffsets(texture)) return false;
+    const Texel border = plainBorder(sampler, sampler.sAddress == ClampToZero); // red and blue are alike in every border
+    SampleJob job{&texture, &sampler, access.dimensions, kind, access.format->bytes, needsLod, quads, {border.c[0], border.c[1], border.c[2], border.c[3]}, {}};
+    constexpr uint8_t Red = 2, Blue = 4;
+    for (int c = 0; c < 4; ++c) {
+        const uint8_t from = texture.swizzle[c];
+        job.order[c] = access.format->bgra && (from == Red || from == Blue) ? Red + Blue - from : from;
+    }
     static const auto kernels = vectors::pick(base::sampleLanesFor, avx2::sampleLanesFor, avx512::sampleLanesFor);
     static const SampleLanes four = kernels(4), eight = kernels(8), sixteen = kernels(16);
     (call.mask > 0xFF ? sixteen : call.mask > 0xF ? eight : four)(job, call);
     return true;
 }
 
-void sample(const Texture* texture, const Sampler* given, SampleCall* call)
+void sample(const Texture* texture, const Sampler* sampler, SampleCall* call)
 {
-    if (nothingThere(texture, given)) return zeros(*call);
-    const auto& access = *static_cast<const Access*>(texture->sampling);
-    const Sampler& sampler = *given;
-    Texel border = borderColor(*texture, sampler, sampler.sAddress == ClampToZero);
-    bool quads = call->lodMode == LodMode::Gradient || (call->stage == 1 && call->lodMode != LodMode::Level);
-    bool needsLod = sampler.mipFilter != MipNone || sampler.minFilter != sampler.magFilter || sampler.maxAnisotropy > 1;
-    if (sampledAtOnce(*texture, access, sampler, border, needsLod, quads, *call)) return;
-    for (uint32_t i = 0; i < MaxLanes; ++i) {
-        if (!(call->mask >> i & 1)) continue;
-        Lane lane = laneAt(*texture, sampler, *call, i, &border);
-        if (!needsLod) {
-            setResult(*call, i, atLevel(lane, 0, sampler.magFilter == Linear));
-            continue;
-        }
-        Footprint f{};
-        if (quads) f = footprint(*call, i, *texture, access, sampler);
-        if (quads && sampler.maxAnisotropy > 1 && !access.cube) setResult(*call, i, anisotropic(lane, f, *call, i));
-        else setResult(*call, i, filtered(lane, levelOfDetail(*call, i, sampler, quads ? &f : nullptr)));
-    }
+    if (nothingThere(texture, sampler)) return zeros(*call);
+    if (!sampledAtOnce(*texture, *static_cast<const Access*>(texture->sampling), *sampler, *call)) sampleLaneByLane(*texture, *sampler, *call);
 }
 
 // ---- comparison, gather, read --------------------------------------------------------------------------------------------
@@ -455,12 +456,45 @@ void read(const Texture* texture, abi::ReadCall* call)
 
 } // namespace
 
+void sampleLaneByLane(const Texture& texture, const Sampler& sampler, SampleCall& call)
+{
+    const auto& access = *static_cast<const Access*>(texture.sampling);
+    Texel border = borderColor(texture, sampler, sampler.sAddress == ClampToZero);
+    const bool quads = hasFootprint(call), needsLod = choosesLevel(sampler);
+    for (uint32_t i = 0; i < MaxLanes; ++i) {
+        if (!(call.mask >> i & 1)) continue;
+        Lane lane = laneAt(texture, sampler, call, i, &border);
+        if (!needsLod) {
+            setResult(call, i, atLevel(lane, 0, sampler.magFilter == Linear));
+            continue;
+        }
+        Footprint f{};
+        if (quads) f = footprint(call, i, texture, access, sampler);
+        if (quads && sampler.maxAnisotropy > 1 && !access.cube) setResult(call, i, anisotropic(lane, f, call, i));
+        else setResult(call, i, filtered(lane, levelOfDetail(call, i, sampler, quads ? &f : nullptr)));
+    }
+}
+
 void setOutsideTexelHandler(void (*handler)()) { outsideTexel = handler; }
 
-bool kernelReads(uint32_t format)
+TexelKind texelKind(uint32_t format)
 {
-    constexpr uint32_t Rgba8 = 70, Bgra8 = 80, Rgba32Float = 125;
-    return format == Rgba8 || format == Bgra8 || format == Rgba32Float;
+    constexpr uint32_t A8 = 1, R8 = 10, R16Float = 25, R32Float = 55, Rgba8 = 70, Bgra8 = 80, Rgba16Float = 115, Rgba32Float = 125, Depth16 = 250,
+                       Depth32 = 252, Depth32Stencil8 = 260;
+    switch (format) {
+    case Rgba8:
+    case Bgra8: return TexelKind::Bytes;
+    case Rgba32Float: return TexelKind::Floats;
+    case A8:
+    case R8:
+    case R16Float:
+    case R32Float:
+    case Rgba16Float:
+    case Depth16:
+    case Depth32:
+    case Depth32Stencil8: return TexelKind::Other;
+    default: return TexelKind::None;
+    }
 }
 
 abi::RuntimeTable runtimeTable()

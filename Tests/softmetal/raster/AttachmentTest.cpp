@@ -156,4 +156,35 @@ TEST_F(Attachment, LevelSliceAndPlaneAreThoseDrawnTo)
         EXPECT_EQ(texelOf<Pixel>(volume, 0, 0, z)[0], z == 3 ? 255 : 0);
 }
 
+/// A normal half, or zero.
+float fromHalf(uint16_t half)
+{
+    if ((half & 0x7FFF) == 0) return 0;
+    float magnitude = std::ldexp(static_cast<float>(1024 + (half & 1023)), ((half >> 10) & 31) - 25);
+    return half & 0x8000 ? -magnitude : magnitude;
+}
+
+TEST_F(Attachment, HalvesOfATriangleLandAtTheirOwnPixels)
+{
+    constexpr int Width = 37, Height = 21; // batches stick out at the right and at the lower edge
+    auto corner = [](float x, float y) { return atPixel(x, y, Width, Height, {x, y, -x, x + y}); };
+    const std::vector<Corner> triangle = {corner(3, 1), corner(37, 9), corner(8, 21)};
+    Picture floats = drawn("level", Width, Height, MTL::PrimitiveTypeTriangle, triangle);
+    auto* halves = texture(Width, Height, MTL::PixelFormatRGBA16Float);
+    auto* e = encoder(halves);
+    e->setRenderPipelineState(pipeline(rasterDescriptor("level", MTL::PixelFormatRGBA16Float)));
+    put(e, MTL::PrimitiveTypeTriangle, triangle);
+    finish(e);
+    std::vector<std::array<uint16_t, 4>> texels(Width * Height);
+    halves->getBytes(texels.data(), Width * 8, MTL::Region(0, 0, Width, Height), 0);
+    EXPECT_GT(floats.count(), 200);
+    for (int y = 0; y < Height; ++y)
+        for (int x = 0; x < Width; ++x) {
+            const float cx = static_cast<float>(x) + 0.5f, cy = static_cast<float>(y) + 0.5f;
+            const Value expected = floats.covered(x, y) ? Value{cx, cy, -cx, cx + cy} : Value{};
+            for (size_t c = 0; c < 4; ++c)
+                ASSERT_EQ(fromHalf(texels[static_cast<size_t>(y * Width + x)][c]), expected[c]) << x << ", " << y;
+        }
+}
+
 } // namespace raster_test

@@ -21,7 +21,9 @@ namespace {
 using abi::LodMode;
 using texturing::SampleLanes;
 
-constexpr uint32_t Type2D = 2, Type3D = 7, Rgba8 = 70, Bgra8 = 80, Rgba32Float = 125;
+constexpr uint32_t Type1D = 0, Type2D = 2, Type3D = 7;
+constexpr uint32_t A8 = 1, R8 = 10, R16Float = 25, R32Float = 55, Rgba8 = 70, Bgra8 = 80, Rgba16Float = 115,
+                   Rgba32Float = 125, Depth16 = 250, Depth32Float = 252, Depth32Stencil8 = 260;
 constexpr uint8_t Rgba[4] = {2, 3, 4, 5};
 
 /// A texture with all its levels, filled at random.
@@ -42,12 +44,15 @@ std::unique_ptr<Image> makeImage(std::mt19937& random, uint32_t type, uint32_t f
     t.depth = depth;
     t.arrayLength = t.sampleCount = 1;
     std::copy(Rgba, Rgba + 4, t.swizzle);
+    if (random() % 4 == 0)
+        for (uint8_t& channel : t.swizzle)
+            channel = random() % 6;
     uint32_t bytes = formats::pixelFormatInfo(format)->bytes;
     for (bool more = true; more;) {
         uint32_t level = t.levelCount++, w = std::max(width >> level, 1u), h = std::max(height >> level, 1u), d = std::max(depth >> level, 1u);
         std::vector<uint8_t>& data = image->levels.emplace_back(size_t{w} * h * d * bytes);
         for (size_t i = 0; i < data.size(); ++i) data[i] = static_cast<uint8_t>(random());
-        if (format == Rgba32Float)
+        if (format == Rgba32Float || format == R32Float || format == Depth32Float || format == Depth32Stencil8)
             for (size_t i = 0; i < data.size(); i += 4) {
                 float v = static_cast<float>(static_cast<int32_t>(random() % 2001) - 1000) / 7.0f;
                 std::memcpy(data.data() + i, &v, 4);
@@ -121,20 +126,19 @@ uint32_t bits(float v)
     return v == v ? b : 0x7FC00000; // the payload of what is not a number may differ
 }
 
-/// A texture that is not called identical takes the way lane by lane.
 abi::SampleCall laneByLane(const Image& image, const abi::Sampler& sampler, abi::SampleCall call)
 {
-    abi::Texture texture = image.texture;
-    texture.identity = 0;
-    texturing::runtimeTable().sample(&texture, &sampler, &call);
+    texturing::sampleLaneByLane(image.texture, sampler, call);
     return call;
 }
 
 void expectTwins(std::mt19937& random, uint32_t type, uint32_t format, int calls)
 {
     const auto sample = texturing::runtimeTable().sample;
-    uint32_t depth = type == Type3D ? 1 + random() % 6 : 1;
-    auto image = makeImage(random, type, format, 1 + random() % 20, 1 + random() % 20, depth, random() & 1);
+    // Some as small as a batch, some so large that a batch covers a part; half of them powers of two.
+    auto side = [&](uint32_t few, uint32_t bits) { return random() & 1 ? 1u << random() % bits : 1 + random() % few; };
+    uint32_t width = side(20, 8), height = type == Type1D ? 1 : side(20, 8), depth = type == Type3D ? side(6, 4) : 1;
+    auto image = makeImage(random, type, format, width, height, depth, random() & 1);
     for (int n = 0; n < calls; ++n) {
         abi::Sampler sampler = anySampler(random);
         abi::SampleCall call = anyCall(random), expected = laneByLane(*image, sampler, call), got = call;
@@ -160,7 +164,49 @@ TEST_P(SamplingTwins, GiveTheSameBits)
 }
 
 INSTANTIATE_TEST_SUITE_P(Formats, SamplingTwins,
-                         testing::Combine(testing::Values(Type2D, Type3D), testing::Values(Rgba8, Bgra8, Rgba32Float)));
+                         testing::Combine(testing::Values(Type1D, Type2D, Type3D),
+                                          testing::Values(A8, R8, R16Float, R32Float, Rgba8, Bgra8, Rgba16Float,
+                                                          Rgba32Float, Depth16, Depth32Float, Depth32Stencil8)));
+
+/// Batches as surfaces make them: the pixels of two rows, and coordinates that go evenly, turned or stretched, over the
+/// texture.
+abi::SampleCall surfaceCall(std::mt19937& random)
+{
+    abi::SampleCall call{};
+    call.mask = 0xFFFF;
+    call.stage = 1;
+    auto small = [&] { return static_cast<float>(static_cast<int32_t>(random() % 2001) - 1000) / 1000.0f; };
+    for (int axis = 0; axis < 3; ++axis) {
+        const float start = 3 * small(), scale = random() & 1 ? 0.02f : 0.002f;
+        const float across = scale * (random() % 3 ? small() : 0), down = scale * (random() % 3 ? small() : 0);
+        for (uint32_t i = 0; i < abi::MaxLanes; ++i)
+            call.coordinate[axis].f[i] =
+                start + across * static_cast<float>((i >> 2) * 2 + (i & 1)) + down * static_cast<float>(i >> 1 & 1);
+    }
+    return call;
+}
+
+TEST(SamplingTwins, GiveTheSameBitsOnSurfaces)
+{
+    std::mt19937 random(77);
+    const auto sample = texturing::runtimeTable().sample;
+    for (uint32_t type : {Type2D, Type3D})
+        for (int images = 0; images < 12; ++images) {
+            const bool power = images & 1;
+            auto image =
+                makeImage(random, type, images % 3 ? Rgba8 : Bgra8, power ? 64 : 50 + random() % 80,
+                          power ? 128 : 50 + random() % 80, type == Type3D ? 4 + random() % 13 : 1, images & 2);
+            for (int n = 0; n < 400; ++n) {
+                abi::Sampler sampler = anySampler(random);
+                abi::SampleCall call = surfaceCall(random), expected = laneByLane(*image, sampler, call), got = call;
+                sample(&image->texture, &sampler, &got);
+                for (uint32_t lane = 0; lane < abi::MaxLanes; ++lane)
+                    for (int c = 0; c < 4; ++c)
+                        ASSERT_EQ(bits(got.result[c].f[lane]), bits(expected.result[c].f[lane]))
+                            << "lane " << lane << " channel " << c;
+            }
+        }
+}
 
 /// The compilations that this processor can run, against one another.
 TEST(SamplingSets, GiveTheSameBits)
@@ -175,7 +221,15 @@ TEST(SamplingSets, GiveTheSameBits)
         sampler.normalizedCoordinates = 1;
         abi::SampleCall call = anyCall(random);
         call.mask &= 0xF;
-        texturing::SampleJob job{&image->texture, &sampler, 2, true, call.stage == 1 && call.lodMode != LodMode::Level, {0, 0, 0, 1}};
+        texturing::SampleJob job{&image->texture,
+                                 &sampler,
+                                 2,
+                                 texturing::TexelKind::Bytes,
+                                 4,
+                                 true,
+                                 call.stage == 1 && call.lodMode != LodMode::Level,
+                                 {0, 0, 0, 1},
+                                 {4, 3, 2, 5}};
         abi::SampleCall first = call;
         sets[0](4)(job, first);
         for (auto set : sets)

@@ -1,0 +1,3 @@
+// SPDX-License-Identifier: Apache-2.0
+#define SOFTMETAL_ISA avx2
+#include "softmetal/vectors/HalvesKernel.inc"
