@@ -50,6 +50,15 @@ const abi::Resources* snapshotOf(StageBindings& stage, const RenderEncoderObject
     return stage.snapshot;
 }
 
+/// Whether primitives of the type are of the class that a pipeline was made for.
+bool suits(uint8_t topology, uint8_t primitive)
+{
+    constexpr uint8_t Classes[] = {MTL::PrimitiveTopologyClassPoint, MTL::PrimitiveTopologyClassLine,
+                                   MTL::PrimitiveTopologyClassLine, MTL::PrimitiveTopologyClassTriangle,
+                                   MTL::PrimitiveTopologyClassTriangle};
+    return topology == MTL::PrimitiveTopologyClassUnspecified || topology == Classes[primitive];
+}
+
 bool tests(const raster::StencilState& s, bool enabled) { return enabled && (s.compareFunction != MTL::CompareFunctionAlways || s.passOperation != MTL::StencilOperationKeep); }
 
 } // namespace
@@ -85,6 +94,9 @@ void RenderEncoderObject::takeTarget(const RenderPassAttachmentDescriptorObject&
 {
     auto* texture = static_cast<TextureObject*>(from.texture.get());
     require(!from.resolveTexture, Rule::PassResolve, kind.name);
+    bool resolves = from.storeAction == MTL::StoreActionMultisampleResolve ||
+                    from.storeAction == MTL::StoreActionStoreAndMultisampleResolve;
+    require(from.resolveTexture || !resolves, Rule::PassResolveStore, from.storeAction, kind.name);
     if (!texture) return;
     const auto& info = *formats::pixelFormatInfo(texture->view.format);
     format = texture->view.format;
@@ -108,6 +120,8 @@ void RenderEncoderObject::takeTarget(const RenderPassAttachmentDescriptorObject&
 void RenderEncoderObject::attach(const RenderPassDescriptorObject& pass)
 {
     raster::PassDescription& d = record.description;
+    require(pass.renderTargetArrayLength <= 1, Rule::PassLayers, pass.renderTargetArrayLength);
+    require(pass.defaultRasterSampleCount <= 1, Rule::PassSamples, pass.defaultRasterSampleCount);
     d.width = static_cast<uint32_t>(pass.renderTargetWidth);
     d.height = static_cast<uint32_t>(pass.renderTargetHeight);
     areaKnown_ = d.width != 0 && d.height != 0;
@@ -218,6 +232,8 @@ void RenderEncoderObject::draw(const raster::DrawCall& call, const char* name)
     if (call.count == 0 || call.instanceCount == 0) return;
     if (inspect::validating()) {
         if (mustCheck) checkState(name);
+        require(suits(pipeline->topology, call.primitive), Rule::DrawTopology, name, *pipeline, pipeline->topology,
+                call.primitive);
         checkVertexRange(call, name);
     }
     CommandStorage& storage = *commands->storage;

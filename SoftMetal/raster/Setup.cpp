@@ -352,7 +352,11 @@ void setUp(const DrawCall& call, uint32_t width, uint32_t height, uint32_t depth
         draw.planes.reserve(triangles * draw.planesEach);
     }
     SetUp work(width, height, depthFormat, draw);
-    for (uint32_t i = 0; i < call.instanceCount; ++i) work.run(call, list, shade(draw.state, call, list, call.baseInstance + i));
+    for (uint32_t i = 0; i < call.instanceCount; ++i) {
+        const ShadedVertices shaded = shade(draw.state, call, list, call.baseInstance + i);
+        if (draw.state.pipeline->rasterizationEnabled)
+            work.run(call, list, shaded); // else what it wrote to buffers counts
+    }
 }
 
 } // namespace softmetal::raster

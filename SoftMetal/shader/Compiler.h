@@ -104,6 +104,7 @@ struct FunctionReflection
     ScalarType colorTypes[abi::MaxColorOutputs] = {};
     uint32_t colorComponents[abi::MaxColorOutputs] = {};
     bool writesDepth = false;
+    bool writesStencil = false;  // [[stencil]]
     bool writesCoverage = false; // [[sample_mask]]
     bool discards = false;
     bool usesPointCoord = false;

@@ -43,11 +43,11 @@ template <class Stream>
 void fields(Stream& stream, FunctionReflection& record)
 {
     auto& [name, stage, attributes, varyings, bindings, constants, hasPosition, pointSizeComponent, clipComponent,
-           clipDistances, colorOutputs, colorTypes, colorComponents, writesDepth, writesCoverage, discards,
-           usesPointCoord, earlyFragmentTests, inputComponents] = record;
+           clipDistances, colorOutputs, colorTypes, colorComponents, writesDepth, writesStencil, writesCoverage,
+           discards, usesPointCoord, earlyFragmentTests, inputComponents] = record;
     stream(name, stage, attributes, varyings, bindings, constants, hasPosition, pointSizeComponent, clipComponent,
-           clipDistances, colorOutputs, colorTypes, colorComponents, writesDepth, writesCoverage, discards,
-           usesPointCoord, earlyFragmentTests, inputComponents);
+           clipDistances, colorOutputs, colorTypes, colorComponents, writesDepth, writesStencil, writesCoverage,
+           discards, usesPointCoord, earlyFragmentTests, inputComponents);
 }
 
 template <class Stream>

@@ -110,6 +110,9 @@ void reflectOutput(const Value& value, FunctionReflection& result)
         result.varyings.push_back(varying(value, result.inputComponents));
         result.inputComponents += value.components;
         break;
+    case Role::Stencil:
+        result.writesStencil = true;
+        break;
     case Role::SampleMask: result.writesCoverage = true; break;
     case Role::Color:
         if (value.index >= abi::MaxColorOutputs) return;

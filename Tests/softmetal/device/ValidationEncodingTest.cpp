@@ -225,6 +225,23 @@ void Validation::passes()
              attached(
                  [&](auto* d) { d->colorAttachments()->object(0)->setResolveTexture(keeps ? nullptr : texture()); });
          }},
+        {"pass.resolve-store",
+         "renderCommandEncoder: the store action (2) of the colour attachment resolves samples, and its texture has "
+         "one",
+         [&](bool keeps) {
+             attached([&](auto* d) {
+                 d->colorAttachments()->object(0)->setStoreAction(keeps ? MTL::StoreActionStore
+                                                                        : MTL::StoreActionMultisampleResolve);
+             });
+         }},
+        {"pass.layers",
+         "renderCommandEncoder: this device draws to one layer at a time; the render target array length (2) must be 0 "
+         "or 1",
+         [&](bool keeps) { attached([&](auto* d) { d->setRenderTargetArrayLength(keeps ? 1 : 2); }); }},
+        {"pass.samples",
+         "renderCommandEncoder: this device has one sample for each pixel; the default raster sample count (4) must be "
+         "0 or 1",
+         [&](bool keeps) { attached([&](auto* d) { d->setDefaultRasterSampleCount(keeps ? 1 : 4); }); }},
         {"pass.depth-stencil",
          "renderCommandEncoder: the depth texture 'both' and the stencil texture 'another' must be the same",
          [&](bool keeps) {
@@ -294,6 +311,17 @@ void Validation::drawsWithTheirState()
          [&](bool keeps) {
              drawing([&](auto* e) {
                  e->setDepthStencilState(owned(device->newDepthStencilState(keeps ? unchanged : stencilState)));
+                 drawFullTarget(e);
+             });
+         }},
+        {"draw.topology",
+         "drawPrimitives: pipeline state (no label) is for primitives of class 2 and not for those of type 3",
+         [&](bool keeps) {
+             auto* d = pipelineDescriptor();
+             d->setInputPrimitiveTopology(keeps ? MTL::PrimitiveTopologyClassTriangle
+                                                : MTL::PrimitiveTopologyClassLine);
+             drawing([&](auto* e) {
+                 e->setRenderPipelineState(pipeline(d));
                  drawFullTarget(e);
              });
          }},
