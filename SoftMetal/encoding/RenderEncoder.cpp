@@ -178,8 +178,14 @@ void RenderEncoderObject::checkBindings(const shader::FunctionReflection& functi
                 require(length >= b.minimumSize, Rule::DrawShortBuffer, name, function.name, b.name, b.index, length, b.minimumSize);
         } else if (b.kind == shader::BindingKind::Texture && b.index < abi::MaxTextures) {
             const abi::Texture* texture = stage.table.textures[b.index];
-            if (require(texture != nullptr, Rule::DrawMissingTexture, name, function.name, b.name, b.index))
-                require(texture->type == b.textureType, Rule::DrawTextureType, name, function.name, b.name, b.index, b.textureType, texture->type);
+            if (!require(texture != nullptr, Rule::DrawMissingTexture, name, function.name, b.name, b.index)) continue;
+            require(texture->type == b.textureType, Rule::DrawTextureType, name, function.name, b.name, b.index,
+                    b.textureType, texture->type);
+            auto allows = [&](MTL::TextureUsage usage) { return texture->usage == 0 || (texture->usage & usage) != 0; };
+            require(!b.reads || allows(MTL::TextureUsageShaderRead), Rule::DrawTextureUsage, name, function.name,
+                    "reads", b.name, b.index, texture->usage);
+            require(!b.writes || allows(MTL::TextureUsageShaderWrite), Rule::DrawTextureUsage, name, function.name,
+                    "writes", b.name, b.index, texture->usage);
         } else if (b.kind == shader::BindingKind::Sampler && b.index < abi::MaxSamplers) {
             require(stage.table.samplers[b.index] != nullptr, Rule::DrawMissingSampler, name, function.name, b.name, b.index);
         }

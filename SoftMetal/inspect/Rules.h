@@ -55,6 +55,7 @@ enum class Rule : uint8_t
     DrawShortBuffer,
     DrawMissingTexture,
     DrawTextureType,
+    DrawTextureUsage,
     DrawMissingSampler,
     DrawNoIndices,
     DrawIndexRange,

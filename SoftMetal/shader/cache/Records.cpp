@@ -28,8 +28,8 @@ void fields(Stream& stream, VaryingReflection& record)
 template <class Stream>
 void fields(Stream& stream, BindingReflection& record)
 {
-    auto& [kind, name, index, count, textureType, minimumSize, depth, used] = record;
-    stream(kind, name, index, count, textureType, minimumSize, depth, used);
+    auto& [kind, name, index, count, textureType, minimumSize, depth, reads, writes, used] = record;
+    stream(kind, name, index, count, textureType, minimumSize, depth, reads, writes, used);
 }
 
 template <class Stream>

@@ -189,6 +189,9 @@ private:
             value.role = Role::Texture;
             value.textureType = kind->type;
             value.depthTexture = kind->depth;
+            const uint32_t access = textureAccess(element);
+            value.reads = access != AccessWrite;
+            value.writes = access >= AccessWrite;
         } else if (isSampler(element)) {
             value.role = Role::Sampler;
         } else {

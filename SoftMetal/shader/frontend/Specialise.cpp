@@ -68,6 +68,8 @@ BindingReflection binding(const Value& value)
     result.textureType = value.textureType;
     result.minimumSize = value.minimumSize;
     result.depth = value.depthTexture;
+    result.reads = value.reads;
+    result.writes = value.writes;
     result.used = true;
     return result;
 }
