@@ -62,9 +62,21 @@ std::string textOfObject(const NS::Object* object)
     return object ? castObject(object)->description() : std::string();
 }
 
+/// The number by which a program knows its language, such as 240 for 2.4.
+std::string versionNumber(NS::UInteger version)
+{
+    constexpr NS::UInteger Newest = MTL::LanguageVersion3_1;
+    if (version == 0) version = Newest;
+    return std::to_string((version >> 16) * 100 + (version & 0xFFFF) * 10);
+}
+
 shader::CompileOptions optionsOf(const MTL::CompileOptions* options)
 {
     shader::CompileOptions result;
+    result.macros = {
+        {"__METAL__", "1"},
+        {"__METAL_MACOS__", "1"},
+        {"__METAL_VERSION__", versionNumber(options ? options->languageVersion() : MTL::LanguageVersion{})}};
     if (!options) return result;
     result.fastMath = options->fastMathEnabled();
     NS::Dictionary* macros = options->preprocessorMacros();

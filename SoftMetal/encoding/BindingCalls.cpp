@@ -75,8 +75,10 @@ void bindTexture(RenderEncoderObject& encoder, StageBindings& stage, const MTL::
     if (stage.table.textures[index] == view) return;
     if (object) {
         encoder.commands->keep(object);
-        bool readable = object->description.usage == MTL::TextureUsageUnknown || (object->description.usage & MTL::TextureUsageShaderRead) != 0;
-        require(readable, Rule::BindTextureUsage, call, *object);
+        constexpr NS::UInteger ForFunctions = MTL::TextureUsageShaderRead | MTL::TextureUsageShaderWrite;
+        bool usable =
+            object->description.usage == MTL::TextureUsageUnknown || (object->description.usage & ForFunctions) != 0;
+        require(usable, Rule::BindTextureUsage, call, *object);
         require(object->device.get() == encoder.device.get(), Rule::EncoderOtherDevice, call, *object);
         require(!object->mayBeDiscarded(), Rule::BindPurged, call, *object, object->purgeableState());
     }

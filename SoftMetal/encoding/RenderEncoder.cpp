@@ -50,6 +50,15 @@ const abi::Resources* snapshotOf(StageBindings& stage, const RenderEncoderObject
     return stage.snapshot;
 }
 
+/// Whether primitives of the type are of the class that a pipeline was made for.
+bool suits(uint8_t topology, uint8_t primitive)
+{
+    constexpr uint8_t Classes[] = {MTL::PrimitiveTopologyClassPoint, MTL::PrimitiveTopologyClassLine,
+                                   MTL::PrimitiveTopologyClassLine, MTL::PrimitiveTopologyClassTriangle,
+                                   MTL::PrimitiveTopologyClassTriangle};
+    return topology == MTL::PrimitiveTopologyClassUnspecified || topology == Classes[primitive];
+}
+
 bool tests(const raster::StencilState& s, bool enabled) { return enabled && (s.compareFunction != MTL::CompareFunctionAlways || s.passOperation != MTL::StencilOperationKeep); }
 
 } // namespace
@@ -85,6 +94,9 @@ void RenderEncoderObject::takeTarget(const RenderPassAttachmentDescriptorObject&
 {
     auto* texture = static_cast<TextureObject*>(from.texture.get());
     require(!from.resolveTexture, Rule::PassResolve, kind.name);
+    bool resolves = from.storeAction == MTL::StoreActionMultisampleResolve ||
+                    from.storeAction == MTL::StoreActionStoreAndMultisampleResolve;
+    require(from.resolveTexture || !resolves, Rule::PassResolveStore, from.storeAction, kind.name);
     if (!texture) return;
     const auto& info = *formats::pixelFormatInfo(texture->view.format);
     format = texture->view.format;
@@ -108,6 +120,8 @@ void RenderEncoderObject::takeTarget(const RenderPassAttachmentDescriptorObject&
 void RenderEncoderObject::attach(const RenderPassDescriptorObject& pass)
 {
     raster::PassDescription& d = record.description;
+    require(pass.renderTargetArrayLength <= 1, Rule::PassLayers, pass.renderTargetArrayLength);
+    require(pass.defaultRasterSampleCount <= 1, Rule::PassSamples, pass.defaultRasterSampleCount);
     d.width = static_cast<uint32_t>(pass.renderTargetWidth);
     d.height = static_cast<uint32_t>(pass.renderTargetHeight);
     areaKnown_ = d.width != 0 && d.height != 0;
@@ -164,8 +178,14 @@ void RenderEncoderObject::checkBindings(const shader::FunctionReflection& functi
                 require(length >= b.minimumSize, Rule::DrawShortBuffer, name, function.name, b.name, b.index, length, b.minimumSize);
         } else if (b.kind == shader::BindingKind::Texture && b.index < abi::MaxTextures) {
             const abi::Texture* texture = stage.table.textures[b.index];
-            if (require(texture != nullptr, Rule::DrawMissingTexture, name, function.name, b.name, b.index))
-                require(texture->type == b.textureType, Rule::DrawTextureType, name, function.name, b.name, b.index, b.textureType, texture->type);
+            if (!require(texture != nullptr, Rule::DrawMissingTexture, name, function.name, b.name, b.index)) continue;
+            require(texture->type == b.textureType, Rule::DrawTextureType, name, function.name, b.name, b.index,
+                    b.textureType, texture->type);
+            auto allows = [&](MTL::TextureUsage usage) { return texture->usage == 0 || (texture->usage & usage) != 0; };
+            require(!b.reads || allows(MTL::TextureUsageShaderRead), Rule::DrawTextureUsage, name, function.name,
+                    "reads", b.name, b.index, texture->usage);
+            require(!b.writes || allows(MTL::TextureUsageShaderWrite), Rule::DrawTextureUsage, name, function.name,
+                    "writes", b.name, b.index, texture->usage);
         } else if (b.kind == shader::BindingKind::Sampler && b.index < abi::MaxSamplers) {
             require(stage.table.samplers[b.index] != nullptr, Rule::DrawMissingSampler, name, function.name, b.name, b.index);
         }
@@ -218,6 +238,8 @@ void RenderEncoderObject::draw(const raster::DrawCall& call, const char* name)
     if (call.count == 0 || call.instanceCount == 0) return;
     if (inspect::validating()) {
         if (mustCheck) checkState(name);
+        require(suits(pipeline->topology, call.primitive), Rule::DrawTopology, name, *pipeline, pipeline->topology,
+                call.primitive);
         checkVertexRange(call, name);
     }
     CommandStorage& storage = *commands->storage;

@@ -4,6 +4,8 @@
 #include "formats/VertexFormat.h"
 #include "objects/Resources.h"
 
+#include <algorithm>
+
 namespace softmetal {
 namespace {
 
@@ -18,6 +20,18 @@ void refuse(std::string& why, const std::string& sentence)
     if (why.empty()) why = sentence;
 }
 
+/// What a step asks for that this device does not do, empty when there is nothing.
+std::string stepProblem(const VertexBufferLayoutDescriptorObject& layout)
+{
+    if (layout.stepFunction > MTL::VertexStepFunctionPerInstance)
+        return "steps by patches, which this device does not draw";
+    if (layout.stepFunction == MTL::VertexStepFunctionPerVertex && layout.stepRate != 1)
+        return "steps by vertices, whose rate must be 1";
+    if (layout.stepFunction == MTL::VertexStepFunctionPerInstance && layout.stepRate == 0)
+        return "steps by instances, whose rate must not be 0";
+    return {};
+}
+
 void takeAttribute(raster::Pipeline& pipeline, const shader::AttributeReflection& attribute, const VertexDescriptorObject* descriptor, std::string& why)
 {
     std::string subject = "Vertex attribute " + attribute.name + "(" + std::to_string(attribute.index) + ")";
@@ -28,6 +42,9 @@ void takeAttribute(raster::Pipeline& pipeline, const shader::AttributeReflection
     const VertexBufferLayoutDescriptorObject* layout = descriptor->layouts->known(known->bufferIndex);
     bool constant = layout && layout->stepFunction == MTL::VertexStepFunctionConstant;
     if (!layout || (layout->stride == 0 && !constant)) return refuse(why, subject + " reads from buffer index " + std::to_string(known->bufferIndex) + ", whose layout has no stride");
+    if (std::string problem = stepProblem(*layout); !problem.empty())
+        return refuse(why, subject + " reads from buffer index " + std::to_string(known->bufferIndex) + ", which " +
+                               problem);
     pipeline.attributes[attribute.index] = {static_cast<uint32_t>(known->format), static_cast<uint32_t>(known->offset), static_cast<uint32_t>(known->bufferIndex)};
     pipeline.attributeMask |= 1u << attribute.index;
     if (isReal(attribute.type)) pipeline.floatAttributes |= 1u << attribute.index;
@@ -60,6 +77,12 @@ void connect(raster::Pipeline& pipeline, const FunctionReflection& vertex, const
     }
 }
 
+bool hasSecondSource(const RenderPipelineColorAttachmentDescriptorObject& a)
+{
+    return std::max({a.sourceRGBBlendFactor, a.destinationRGBBlendFactor, a.sourceAlphaBlendFactor,
+                     a.destinationAlphaBlendFactor}) > MTL::BlendFactorOneMinusBlendAlpha;
+}
+
 void takeAttachments(raster::Pipeline& pipeline, const RenderPipelineDescriptorObject& d, std::string& why)
 {
     for (uint32_t i = 0; i < abi::MaxColorOutputs; ++i) {
@@ -70,6 +93,9 @@ void takeAttachments(raster::Pipeline& pipeline, const RenderPipelineDescriptorO
         if (a->pixelFormat != MTL::PixelFormatInvalid && (!format || !format->renderable || format->isDepthOrStencil()))
             refuse(why, "the pixel format of colour attachment " + std::to_string(i) + " cannot be rendered to");
         if (format && a->blendingEnabled && !format->blendable) refuse(why, "the pixel format of colour attachment " + std::to_string(i) + " does not support blending");
+        if (a->blendingEnabled && hasSecondSource(*a))
+            refuse(why, "colour attachment " + std::to_string(i) +
+                            " blends with a second source, which this device does not have");
         pipeline.blend[i] = {a->blendingEnabled, static_cast<uint8_t>(a->rgbBlendOperation), static_cast<uint8_t>(a->alphaBlendOperation),
                              static_cast<uint8_t>(a->sourceRGBBlendFactor), static_cast<uint8_t>(a->destinationRGBBlendFactor),
                              static_cast<uint8_t>(a->sourceAlphaBlendFactor), static_cast<uint8_t>(a->destinationAlphaBlendFactor),
@@ -81,7 +107,8 @@ void takeAttachments(raster::Pipeline& pipeline, const RenderPipelineDescriptorO
     if (d.stencilAttachmentPixelFormat != MTL::PixelFormatInvalid && (!stencil || !stencil->hasStencil))
         refuse(why, "the stencil attachment's pixel format has no stencil");
     if (d.rasterSampleCount != 1) refuse(why, "this device has no pipelines of several samples (" + std::to_string(d.rasterSampleCount) + ")");
-    pipeline.alphaToCoverage = d.alphaToCoverageEnabled;
+    if (d.alphaToCoverageEnabled)
+        refuse(why, "alpha-to-coverage chooses among several samples, and this device has one");
     pipeline.alphaToOne = d.alphaToOneEnabled;
     pipeline.rasterizationEnabled = d.rasterizationEnabled;
 }
@@ -109,7 +136,11 @@ void takeFragment(raster::Pipeline& pipeline, const FunctionReflection& fragment
         if (meets && attachmentKind(*format) != pipeline.colorTypes[i])
             refuse(why, "output " + std::to_string(i) + " of function '" + fragment.name + "' is of another kind of number than pixel format " + format->name);
     }
+    if (pipeline.alphaToOne && (fragment.colorOutputs & 1) != 0 && pipeline.colorTypes[0] != 0)
+        refuse(why,
+               "alpha-to-one does not go with colours of whole numbers, which function '" + fragment.name + "' writes");
     pipeline.writesDepth = fragment.writesDepth;
+    pipeline.writesStencil = fragment.writesStencil;
     pipeline.writesCoverage = fragment.writesCoverage;
     pipeline.discards = fragment.discards;
     pipeline.usesPointCoord = fragment.usesPointCoord;
@@ -140,6 +171,8 @@ RenderPipelineStateObject* RenderPipelineStateObject::make(DeviceObject* owner, 
     const FunctionReflection& vertex = result->vertexFunction->reflection();
     if (vertex.stage != shader::Stage::Vertex) refuse(why, "function '" + vertex.name + "' is not a vertex function");
     if (vertex.inputComponents > abi::MaxVertexOutputComponents) refuse(why, "the vertex function has too many outputs");
+    if (d.rasterizationEnabled && !vertex.hasPosition)
+        refuse(why, "vertex function '" + vertex.name + "' has no position, which rasterization needs");
     pipeline.outputComponents = vertex.inputComponents;
     pipeline.pointSizeComponent = vertex.pointSizeComponent;
     pipeline.clipComponent = vertex.clipComponent;
@@ -155,6 +188,7 @@ RenderPipelineStateObject* RenderPipelineStateObject::make(DeviceObject* owner, 
     if (why.empty()) pipeline.vertex = result->vertexFunction->vertexCode(why);
     if (why.empty() && result->fragmentFunction) pipeline.fragment = result->fragmentFunction->fragmentCode(why);
     if (!why.empty()) return nullptr;
+    result->topology = static_cast<uint8_t>(d.inputPrimitiveTopology);
     result->depthFormat = static_cast<uint32_t>(d.depthAttachmentPixelFormat);
     result->stencilFormat = static_cast<uint32_t>(d.stencilAttachmentPixelFormat);
     return result.detach();

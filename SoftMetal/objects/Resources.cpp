@@ -165,6 +165,7 @@ void TextureObject::describeTo(abi::Texture& to) const
     to.arrayLength = narrow(description.arrayLength);
     to.levelCount = narrow(description.mipmapLevelCount);
     to.sampleCount = 1;
+    to.usage = static_cast<uint32_t>(description.usage);
     const MTL::TextureSwizzleChannels& s = description.swizzle;
     const uint8_t swizzle[4] = {s.red, s.green, s.blue, s.alpha};
     std::memcpy(to.swizzle, swizzle, 4);

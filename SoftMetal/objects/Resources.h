@@ -184,6 +184,7 @@ public:
 
     raster::Pipeline pipeline;
     std::shared_ptr<shader::Function> vertexFunction, fragmentFunction; // keep the machine code alive
+    uint8_t topology = 0;                                               // MTL::PrimitiveTopologyClass of what it draws
     uint32_t depthFormat = 0, stencilFormat = 0;
 };
 

@@ -138,20 +138,22 @@ float clampedTo(const formats::PixelFormatInfo& format, float v)
 
 } // namespace
 
-uint32_t testDepthStencil(const DrawState& state, bool frontFacing, const Target& depth, const PixelRows& depthRows, const Target& stencil,
-                          const PixelRows& stencilRows, const float* z, uint32_t mask)
+uint32_t testDepthStencil(const DrawState& state, bool frontFacing, const Target& depth, const PixelRows& depthRows,
+                          const Target& stencil, const PixelRows& stencilRows, const float* z,
+                          const uint32_t* references, uint32_t mask)
 {
     const DepthStencil& test = state.depthStencil;
     bool hasDepth = depth.texture != nullptr && (test.depthCompare != 7 || test.depthWrite);
     bool hasStencil = stencil.texture != nullptr && test.stencilEnabled;
     if (!hasDepth && !hasStencil) return mask;
     const StencilState& side = frontFacing ? test.front : test.back;
-    uint32_t reference = frontFacing ? state.stencilReferenceFront : state.stencilReferenceBack;
+    uint32_t ofEncoder = frontFacing ? state.stencilReferenceFront : state.stencilReferenceBack;
     uint32_t depthFormat = hasDepth ? depth.texture->format : 0, depthBytes = hasDepth ? formats::pixelFormatInfo(depthFormat)->bytes : 0;
     uint32_t stencilFormat = hasStencil ? stencil.texture->format : 0, stencilBytes = hasStencil ? formats::pixelFormatInfo(stencilFormat)->bytes : 0;
     uint32_t passed = 0;
     for (uint32_t left = mask; left != 0; left &= left - 1) {
         auto lane = static_cast<uint32_t>(std::countr_zero(left));
+        uint32_t reference = references ? references[lane] : ofEncoder;
         uint8_t* stencilTexel = hasStencil ? texelOf(stencilRows, lane, stencilBytes) : nullptr;
         uint8_t old = hasStencil ? formats::unpackStencil(stencilFormat, stencilTexel) : 0;
         if (hasStencil && !testStencil(side, reference, old)) {

@@ -16,9 +16,11 @@ struct PixelRows
 inline constexpr uint32_t laneX(uint32_t lane) { return (lane >> 2) * 2 + (lane & 1); }
 inline constexpr uint32_t laneY(uint32_t lane) { return lane >> 1 & 1; }
 
-/// Tests the lanes of the mask against depth and stencil, updates both, and returns the lanes that pass.
-uint32_t testDepthStencil(const DrawState& state, bool frontFacing, const Target& depth, const PixelRows& depthRows, const Target& stencil,
-                          const PixelRows& stencilRows, const float* z, uint32_t mask);
+/// Tests the lanes of the mask against depth and stencil, updates both, and returns the lanes that pass. references are
+/// the stencil reference values of the lanes, null where the encoder's stands for all.
+uint32_t testDepthStencil(const DrawState& state, bool frontFacing, const Target& depth, const PixelRows& depthRows,
+                          const Target& stencil, const PixelRows& stencilRows, const float* z,
+                          const uint32_t* references, uint32_t mask);
 
 /// Blends and stores one attachment's lanes.
 void storeColor(const DrawState& state, uint32_t attachment, const Target& target, const PixelRows& rows, const abi::Lanes* color, uint32_t mask);

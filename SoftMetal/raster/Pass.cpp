@@ -47,8 +47,8 @@ public:
 
     void draw(const DrawState& state, const DrawCall& call)
     {
-        if (!state.pipeline || !state.pipeline->vertex || !state.pipeline->rasterizationEnabled || bins_.empty())
-            return;
+        if (!state.pipeline || !state.pipeline->vertex) return;
+        if (bins_.empty() && state.pipeline->rasterizationEnabled) return;
         const uint32_t step = cornersOf(call.primitive) * PrimitivesAPart;
         if (step == 0 || call.instanceCount != 1 || call.count <= step) return drawParts(state, {&call, 1});
         std::vector<DrawCall> parts;

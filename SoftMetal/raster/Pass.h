@@ -71,10 +71,12 @@ struct Pipeline
     std::vector<uint8_t> inputInterpolation;    // per plane: 0 perspective, 1 linear, 2 flat
     uint32_t colorOutputs = 0;                  // bit n: the fragment function writes colour n
     uint8_t colorTypes[abi::MaxColorOutputs] = {}; // 0 float, 1 signed, 2 unsigned
-    bool writesDepth = false, writesCoverage = false, discards = false, usesPointCoord = false, earlyTests = false;
+    bool writesDepth = false, writesStencil = false, writesCoverage = false, discards = false, usesPointCoord = false,
+         earlyTests = false;
     uint32_t colorFormats[abi::MaxColorOutputs] = {}; // MTL::PixelFormat
     BlendState blend[abi::MaxColorOutputs];
-    bool alphaToCoverage = false, alphaToOne = false, rasterizationEnabled = true;
+    bool alphaToOne = false; // the alpha of colour 0 is one, whatever the fragment function says
+    bool rasterizationEnabled = true;
 };
 
 struct StencilState

@@ -205,7 +205,8 @@ void setUp(const DrawCall& call, uint32_t width, uint32_t height, uint32_t depth
     for (uint32_t i = 0; i < call.instanceCount; ++i) {
         shade(draw.state, call, scratch.list, call.baseInstance + i, projection, scratch.shaded);
         if (inspect::shaderLimitReached()) break;
-        work.run(projection);
+        if (draw.state.pipeline->rasterizationEnabled)
+            work.run(projection); // else what it wrote to buffers counts
     }
     scratch.trim();
 }

@@ -78,6 +78,7 @@ struct BindingReflection
     uint32_t textureType; // MTL::TextureType, textures only
     uint64_t minimumSize; // buffers: size of the pointed-to type in bytes
     bool depth;           // textures: declared as a depth texture
+    bool reads, writes;   // textures: what the declared access allows
     bool used;            // still referenced after optimisation with the given constants
 };
 
@@ -104,6 +105,7 @@ struct FunctionReflection
     ScalarType colorTypes[abi::MaxColorOutputs] = {};
     uint32_t colorComponents[abi::MaxColorOutputs] = {};
     bool writesDepth = false;
+    bool writesStencil = false;  // [[stencil]]
     bool writesCoverage = false; // [[sample_mask]]
     bool discards = false;
     bool usesPointCoord = false;

@@ -12,7 +12,7 @@
 
 namespace softmetal::abi {
 
-inline constexpr uint32_t Version = 3; // raised whenever a layout below changes
+inline constexpr uint32_t Version = 4; // raised whenever a layout below changes
 
 inline constexpr uint32_t MaxLanes = 16;
 inline constexpr uint32_t MaxBuffers = 31;
@@ -53,6 +53,7 @@ struct Texture
     uint32_t width, height, depth, arrayLength, levelCount, sampleCount;
     uint8_t swizzle[4];  // MTL::TextureSwizzle for r, g, b, a
     uint32_t identity;   // 1 when the swizzle is red, green, blue, alpha
+    uint32_t usage;      // MTL::TextureUsage: what calls may do with it, 0 for anything
     const void* sampling; // owned by the texturing room: functions chosen for this type and format, see texturing/
     TextureLevel levels[MaxLevels];
 };

@@ -28,8 +28,8 @@ void fields(Stream& stream, VaryingReflection& record)
 template <class Stream>
 void fields(Stream& stream, BindingReflection& record)
 {
-    auto& [kind, name, index, count, textureType, minimumSize, depth, used] = record;
-    stream(kind, name, index, count, textureType, minimumSize, depth, used);
+    auto& [kind, name, index, count, textureType, minimumSize, depth, reads, writes, used] = record;
+    stream(kind, name, index, count, textureType, minimumSize, depth, reads, writes, used);
 }
 
 template <class Stream>
@@ -43,11 +43,11 @@ template <class Stream>
 void fields(Stream& stream, FunctionReflection& record)
 {
     auto& [name, stage, attributes, varyings, bindings, constants, hasPosition, pointSizeComponent, clipComponent,
-           clipDistances, colorOutputs, colorTypes, colorComponents, writesDepth, writesCoverage, discards,
-           usesPointCoord, earlyFragmentTests, inputComponents] = record;
+           clipDistances, colorOutputs, colorTypes, colorComponents, writesDepth, writesStencil, writesCoverage,
+           discards, usesPointCoord, earlyFragmentTests, inputComponents] = record;
     stream(name, stage, attributes, varyings, bindings, constants, hasPosition, pointSizeComponent, clipComponent,
-           clipDistances, colorOutputs, colorTypes, colorComponents, writesDepth, writesCoverage, discards,
-           usesPointCoord, earlyFragmentTests, inputComponents);
+           clipDistances, colorOutputs, colorTypes, colorComponents, writesDepth, writesStencil, writesCoverage,
+           discards, usesPointCoord, earlyFragmentTests, inputComponents);
 }
 
 template <class Stream>

@@ -10,11 +10,13 @@
 namespace softmetal::shader {
 namespace {
 
-enum class Takes : uint8_t {
+enum class Takes : uint8_t
+{
     Nothing,
     Number,   // an integer constant
     Word,     // a word with a meaning of its own
     Constant, // a number where it declares a function constant, the constant's name where it is a condition
+    Refused,  // the language's, and this device has not got what it is about
 };
 
 struct Row
@@ -57,6 +59,22 @@ constexpr std::array Rows = {
     Row{"raster_order_group", Takes::Number},
     Row{"index", Takes::Number},
     Row{"invariant", Takes::Nothing},
+    Row{"id", Takes::Number}, // of argument buffers, which a structure of numbers may be
+    Row{"post_depth_coverage", Takes::Refused},
+    Row{"barycentric_coord", Takes::Refused},
+    Row{"viewport_array_index", Takes::Refused},
+    Row{"render_target_array_index", Takes::Refused},
+    Row{"amplification_id", Takes::Refused},
+    Row{"amplification_count", Takes::Refused},
+    Row{"patch", Takes::Refused},
+    Row{"patch_id", Takes::Refused},
+    Row{"position_in_patch", Takes::Refused},
+    Row{"visible", Takes::Refused},
+    Row{"stitchable", Takes::Refused},
+    Row{"object", Takes::Refused},
+    Row{"mesh", Takes::Refused},
+    Row{"payload", Takes::Refused},
+    Row{"imageblock_data", Takes::Refused},
     // of compute kernels: known, so that the message is about the kernel
     Row{"thread_position_in_grid", Takes::Nothing},
     Row{"thread_position_in_threadgroup", Takes::Nothing},
@@ -111,25 +129,29 @@ struct StageAttribute : clang::ParsedAttrInfo
     explicit StageAttribute(const Row& row) : spelling{clang::ParsedAttr::AS_CXX11, row.name}, takes(row.takes)
     {
         Spellings = llvm::ArrayRef<Spelling>(&spelling, 1);
-        OptArgs = takes == Takes::Nothing ? 0 : 1;
+        OptArgs = takes == Takes::Nothing ? 0 : takes == Takes::Refused ? 2 : 1;
     }
 
     AttrHandling handleDeclAttribute(clang::Sema& sema, clang::Decl* declaration, const clang::ParsedAttr& parsed) const override
     {
         Attribute attribute;
         attribute.name = spelling.NormalizedFullName;
+        if (takes == Takes::Refused)
+            return refuse(sema, parsed, attribute, "attribute '%0' is not supported by this device");
         bool fits = takes == Takes::Nothing || parsed.getNumArgs() > 0;
         for (unsigned i = 0; i < parsed.getNumArgs(); ++i) fits &= readArgument(sema, parsed, i, takes, attribute);
-        if (!fits) return refuse(sema, parsed, attribute);
+        if (!fits) return refuse(sema, parsed, attribute, "attribute '%0' needs an integer constant as its argument");
         if (auto* variable = llvm::dyn_cast<clang::VarDecl>(declaration); variable && attribute.name == "function_constant" && !llvm::isa<clang::ParmVarDecl>(variable))
             variable->setStorageClass(clang::SC_Extern); // its value comes with the specialisation, not from an initialiser
         if (collecting) (*collecting)[declaration->getCanonicalDecl()].push_back(std::move(attribute));
         return AttributeApplied;
     }
 
-    static AttrHandling refuse(clang::Sema& sema, const clang::ParsedAttr& parsed, const Attribute& attribute)
+    template <unsigned N>
+    static AttrHandling refuse(clang::Sema& sema, const clang::ParsedAttr& parsed, const Attribute& attribute,
+                               const char (&words)[N])
     {
-        unsigned id = sema.getDiagnostics().getCustomDiagID(clang::DiagnosticsEngine::Error, "attribute '%0' needs an integer constant as its argument");
+        unsigned id = sema.getDiagnostics().getCustomDiagID(clang::DiagnosticsEngine::Error, words);
         sema.Diag(parsed.getLoc(), id) << attribute.name;
         return AttributeNotApplied;
     }

@@ -82,6 +82,7 @@ std::unique_ptr<clang::CompilerInstance> makeInstance(const FileSystem& files,
     clang::CompilerInvocation::CreateFromArgs(*invocation, arguments, *diagnostics);
     invocation->getFrontendOpts().DisableFree = false;
     invocation->getDiagnosticOpts().ShowCarets = false;
+    clang::ProcessWarningOptions(*diagnostics, invocation->getDiagnosticOpts()); // what is an error, and how many
     instance->setInvocation(std::move(invocation));
     instance->setDiagnostics(diagnostics.get());
     instance->createFileManager(files);

@@ -57,6 +57,7 @@ struct Value
     uint32_t textureType = 0;
     uint64_t minimumSize = 0;
     bool depthTexture = false;
+    bool reads = false, writes = false;
 };
 
 struct Parameter

@@ -5,6 +5,7 @@
 #include "shader/frontend/Types.h"
 
 #include <algorithm>
+#include <array>
 #include <set>
 #include <tuple>
 
@@ -188,6 +189,9 @@ private:
             value.role = Role::Texture;
             value.textureType = kind->type;
             value.depthTexture = kind->depth;
+            const uint32_t access = textureAccess(element);
+            value.reads = access != AccessWrite;
+            value.writes = access >= AccessWrite;
         } else if (isSampler(element)) {
             value.role = Role::Sampler;
         } else {
@@ -229,9 +233,20 @@ private:
         Value value = named(declaration);
         setType(declaration, type, value);
         value.interpolation = interpolation(declaration, value);
+        checkSource(declaration, place);
         for (const RoleRow& row : RoleRows)
             if (const Attribute* mark = attribute(declaration, row.name)) setRole(declaration, row, *mark, place, value);
         return value;
+    }
+
+    /// Blending may take a second colour from the function; this device's does not.
+    void checkSource(const clang::NamedDecl* declaration, Place place)
+    {
+        const Attribute* source = attribute(declaration, "index");
+        if (!source) return;
+        if (place != FragmentOut) return error(declaration, "attribute '%0' has no meaning here", "index");
+        if (!source->numbers.empty() && source->numbers[0] != 0)
+            error(declaration, "a second source for blending is not supported by this device");
     }
 
     void setRole(const clang::NamedDecl* declaration, const RoleRow& row, const Attribute& mark, Place place, Value& value)
@@ -240,9 +255,19 @@ private:
         if (!(row.places & place)) return error(declaration, "attribute '%0' has no meaning here", row.name);
         if (!satisfies(value.type, row.scalar) || (row.components && row.components != value.components))
             return error(declaration, "attribute '%0' does not go with this type", row.name);
+        if (row.role == Role::Depth) checkDepth(declaration, mark);
         if (row.indices == 0 || mark.numbers.empty()) return;
         if (mark.numbers[0] < 0 || mark.numbers[0] >= row.indices) return error(declaration, "'%0' index is out of range", row.name);
         value.index = static_cast<uint32_t>(mark.numbers[0]);
+    }
+
+    /// What the function promises of its depth needs no care here: depth is tested after the function, whatever it is.
+    void checkDepth(const clang::NamedDecl* declaration, const Attribute& mark)
+    {
+        static constexpr std::array Promises = {"any", "greater", "less"};
+        bool known =
+            !mark.words.empty() && std::find(Promises.begin(), Promises.end(), mark.words[0]) != Promises.end();
+        if (!known) error(declaration, "attribute 'depth' takes one of the words any, greater and less");
     }
 
     void setType(const clang::NamedDecl* declaration, clang::QualType type, Value& value)
@@ -317,6 +342,17 @@ private:
         for (const Value& value : entry.results) components += value.components;
         if (entry.stage == Stage::Vertex && components > abi::MaxVertexOutputComponents)
             error(function, "vertex function '%0' has more outputs than this device supports", function->getName());
+        uint32_t colors = 0;
+        for (const Value& value : entry.results) {
+            bool tested = value.role == Role::Depth || value.role == Role::Stencil;
+            if (tested && entry.earlyFragmentTests)
+                error(function, "fragment function '%0' writes what early fragment tests have already looked at",
+                      function->getName());
+            if (value.role != Role::Color) continue;
+            if ((colors >> value.index & 1) != 0 && value.condition.empty())
+                error(function, "fragment function '%0' writes a colour twice", function->getName());
+            colors |= 1u << value.index;
+        }
     }
 
     clang::ASTContext& context_;

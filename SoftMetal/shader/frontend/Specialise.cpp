@@ -68,6 +68,8 @@ BindingReflection binding(const Value& value)
     result.textureType = value.textureType;
     result.minimumSize = value.minimumSize;
     result.depth = value.depthTexture;
+    result.reads = value.reads;
+    result.writes = value.writes;
     result.used = true;
     return result;
 }
@@ -109,6 +111,9 @@ void reflectOutput(const Value& value, FunctionReflection& result)
     case Role::Varying:
         result.varyings.push_back(varying(value, result.inputComponents));
         result.inputComponents += value.components;
+        break;
+    case Role::Stencil:
+        result.writesStencil = true;
         break;
     case Role::SampleMask: result.writesCoverage = true; break;
     case Role::Color:

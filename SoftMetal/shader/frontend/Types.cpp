@@ -78,6 +78,12 @@ const TextureKind* textureKind(clang::QualType type)
     return nullptr;
 }
 
+uint32_t textureAccess(clang::QualType type)
+{
+    const auto* texture = specialization(type, "metal");
+    return texture ? static_cast<uint32_t>(texture->getTemplateArgs()[1].getAsIntegral().getZExtValue()) : 0;
+}
+
 bool isSampler(clang::QualType type)
 {
     const clang::CXXRecordDecl* record = type->getAsCXXRecordDecl();

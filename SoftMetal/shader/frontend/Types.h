@@ -32,6 +32,10 @@ struct TextureKind
 /// Null for what is not a texture.
 const TextureKind* textureKind(clang::QualType type);
 
+/// What a texture type says that functions do with it, as metal::access has it.
+inline constexpr uint32_t AccessWrite = 2;
+uint32_t textureAccess(clang::QualType type);
+
 bool isSampler(clang::QualType type);
 
 /// Element and length of metal::array, or the type itself and 1.

@@ -36,6 +36,11 @@ fragment float4 textured(Varying v [[stage_in]], texture2d<float> image [[textur
 {
     return image.sample(s, v.place);
 }
+fragment float4 written(Varying v [[stage_in]], texture2d<float, access::write> image [[texture(1)]])
+{
+    image.write(float4(1), uint2(0));
+    return float4(1);
+}
 fragment uint4 counted(Varying v [[stage_in]]) { return uint4(1); }
 struct Other { float4 position [[position]]; float2 unknown; };
 fragment float4 unlinked(Other v [[stage_in]]) { return float4(v.unknown, 0, 1); }

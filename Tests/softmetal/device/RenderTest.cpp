@@ -262,6 +262,22 @@ TEST_F(Program, CompilersMessagesAreTheErrorsDescription)
     EXPECT_EQ(error->code(), MTL::LibraryErrorCompileFailure);
 }
 
+TEST_F(Program, KnowsItsLanguageByNumber)
+{
+    auto compiles = [&](const char* condition, MTL::LanguageVersion version) {
+        auto* options = owned(MTL::CompileOptions::alloc()->init());
+        if (version != 0) options->setLanguageVersion(version);
+        const std::string source = std::string("#if !(") + condition + ")\n#error not so\n#endif\n";
+        NS::Error* error = nullptr;
+        return owned(device->newLibrary(text(source), version != 0 ? options : nullptr, &error)) != nullptr;
+    };
+    EXPECT_TRUE(compiles("__METAL_VERSION__ == 110", MTL::LanguageVersion1_1));
+    EXPECT_TRUE(compiles("__METAL_VERSION__ == 240", MTL::LanguageVersion2_4));
+    EXPECT_TRUE(compiles("__METAL_VERSION__ == 310", MTL::LanguageVersion3_1));
+    EXPECT_FALSE(compiles("__METAL_VERSION__ == 310", MTL::LanguageVersion3_0));
+    EXPECT_TRUE(compiles("__METAL_VERSION__ == 310 && defined(__METAL_MACOS__)", MTL::LanguageVersion{}));
+}
+
 TEST_F(Program, MacrosOfTheOptionsAreDefined)
 {
     auto* options = owned(MTL::CompileOptions::alloc()->init());

@@ -225,6 +225,23 @@ void Validation::passes()
              attached(
                  [&](auto* d) { d->colorAttachments()->object(0)->setResolveTexture(keeps ? nullptr : texture()); });
          }},
+        {"pass.resolve-store",
+         "renderCommandEncoder: the store action (2) of the colour attachment resolves samples, and its texture has "
+         "one",
+         [&](bool keeps) {
+             attached([&](auto* d) {
+                 d->colorAttachments()->object(0)->setStoreAction(keeps ? MTL::StoreActionStore
+                                                                        : MTL::StoreActionMultisampleResolve);
+             });
+         }},
+        {"pass.layers",
+         "renderCommandEncoder: this device draws to one layer at a time; the render target array length (2) must be 0 "
+         "or 1",
+         [&](bool keeps) { attached([&](auto* d) { d->setRenderTargetArrayLength(keeps ? 1 : 2); }); }},
+        {"pass.samples",
+         "renderCommandEncoder: this device has one sample for each pixel; the default raster sample count (4) must be "
+         "0 or 1",
+         [&](bool keeps) { attached([&](auto* d) { d->setDefaultRasterSampleCount(keeps ? 1 : 4); }); }},
         {"pass.depth-stencil",
          "renderCommandEncoder: the depth texture 'both' and the stencil texture 'another' must be the same",
          [&](bool keeps) {
@@ -294,6 +311,17 @@ void Validation::drawsWithTheirState()
          [&](bool keeps) {
              drawing([&](auto* e) {
                  e->setDepthStencilState(owned(device->newDepthStencilState(keeps ? unchanged : stencilState)));
+                 drawFullTarget(e);
+             });
+         }},
+        {"draw.topology",
+         "drawPrimitives: pipeline state (no label) is for primitives of class 2 and not for those of type 3",
+         [&](bool keeps) {
+             auto* d = pipelineDescriptor();
+             d->setInputPrimitiveTopology(keeps ? MTL::PrimitiveTopologyClassTriangle
+                                                : MTL::PrimitiveTopologyClassLine);
+             drawing([&](auto* e) {
+                 e->setRenderPipelineState(pipeline(d));
                  drawFullTarget(e);
              });
          }},
@@ -374,6 +402,27 @@ void Validation::drawsWithTheirBindings()
          "drawPrimitives: function textured declares texture 'image' at index 0 with type 2, and the one bound has "
          "type 7",
          [&](bool keeps) { textured([&](auto* e) { e->setFragmentTexture(keeps ? texture() : volume, 0); }); }},
+        {"draw.texture-usage",
+         "drawPrimitives: function textured reads texture 'image' at index 0, and the usage of the one bound (2) does "
+         "not allow it",
+         [&](bool keeps) {
+             auto* t = textureWith(
+                 [&](auto* d) { d->setUsage(keeps ? MTL::TextureUsageShaderRead : MTL::TextureUsageShaderWrite); });
+             textured([&](auto* e) { e->setFragmentTexture(t, 0); });
+         }},
+        {"draw.texture-usage",
+         "drawPrimitives: function written writes texture 'image' at index 1, and the usage of the one bound (1) does "
+         "not allow it",
+         [&](bool keeps) {
+             auto* t = textureWith(
+                 [&](auto* d) { d->setUsage(keeps ? MTL::TextureUsageShaderWrite : MTL::TextureUsageShaderRead); });
+             auto* d = pipelineDescriptor("written");
+             drawing([&](auto* e) {
+                 e->setRenderPipelineState(pipeline(d));
+                 e->setFragmentTexture(t, 1);
+                 drawFullTarget(e);
+             });
+         }},
         {"draw.missing-sampler",
          "drawPrimitives: function textured uses sampler 's' at index 0, where no sampler is bound",
          [&](bool keeps) { textured([&](auto* e) { e->setFragmentSamplerState(keeps ? sampler() : nullptr, 0); }); }},
@@ -404,7 +453,7 @@ void Validation::bindings()
          [&](bool keeps) { drawing([&](auto* e) { e->setVertexBuffer(b, keeps ? 60 : 64, 3); }); }},
         {"bind.no-buffer", "setVertexBufferOffset: no buffer is bound at index 3 whose offset could be set",
          [&](bool keeps) { drawing([&](auto* e) { e->setVertexBufferOffset(4, keeps ? 0 : 3); }); }},
-        {"bind.texture-usage", "setFragmentTexture: texture 'target' has no shader read usage",
+        {"bind.texture-usage", "setFragmentTexture: texture 'target' has neither shader read nor shader write usage",
          [&](bool keeps) { drawing([&](auto* e) { e->setFragmentTexture(keeps ? texture() : drawn, 3); }); }},
         {"bind.purged", "setVertexBuffer: the contents of 'purged' may have been discarded (purgeable state 4)",
          [&](bool keeps) {

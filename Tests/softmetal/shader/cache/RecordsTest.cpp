@@ -16,8 +16,8 @@ FunctionReflection reflection()
     f.stage = Stage::Fragment;
     f.attributes = {{"position", 3, 4, ScalarType::Half, true}, {"normal", 5, 3, ScalarType::Short, false}};
     f.varyings = {{"colour", 4, ScalarType::UChar, Interpolation::Flat, 17}};
-    f.bindings = {{BindingKind::Texture, "image", 6, 2, 7, 96, true, false},
-                  {BindingKind::Buffer, "lights", 8, 1, 0, 640, false, true}};
+    f.bindings = {{BindingKind::Texture, "image", 6, 2, 7, 96, true, false, true, false},
+                  {BindingKind::Buffer, "lights", 8, 1, 0, 640, false, true, false, true}};
     f.constants = {{"shadows", 9, 53, true}, {"layers", 10, 29, false}};
     f.hasPosition = true;
     f.pointSizeComponent = 11;
@@ -75,7 +75,7 @@ std::string textOf(const FunctionReflection& f)
         return line(v.name, v.components, v.type, v.interpolation, v.firstComponent);
     });
     text += textOf(f.bindings, [](const BindingReflection& b) {
-        return line(b.kind, b.name, b.index, b.count, b.textureType, b.minimumSize, b.depth, b.used);
+        return line(b.kind, b.name, b.index, b.count, b.textureType, b.minimumSize, b.depth, b.reads, b.writes, b.used);
     });
     return text + textOf(f.constants,
                          [](const ConstantReflection& c) { return line(c.name, c.index, c.dataType, c.required); });
