@@ -3,7 +3,7 @@
 #include <simd/simd.h>
 using namespace metal;
 
-struct SliceOut { float4 position [[position]]; float3 coord; uint layer [[render_target_array_index]]; };
+struct SliceOut { float4 position [[position]]; float3 coord; uint layer [[flat]]; };
 vertex SliceOut slice_vertex(uint vid [[vertex_id]], uint layer [[instance_id]], constant uint &layers [[buffer(0)]])
 {
     SliceOut out;
