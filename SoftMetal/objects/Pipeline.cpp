@@ -145,6 +145,9 @@ void takeFragment(raster::Pipeline& pipeline, const FunctionReflection& fragment
     pipeline.discards = fragment.discards;
     pipeline.usesPointCoord = fragment.usesPointCoord;
     pipeline.earlyTests = fragment.earlyFragmentTests;
+    pipeline.readsDepth = fragment.readsDepth;
+    pipeline.readsInverseW = fragment.readsInverseW;
+    pipeline.readsW = fragment.readsW;
 }
 
 std::shared_ptr<shader::Function> functionOf(const ObjectRef& object) { return object ? static_cast<FunctionObject*>(object.get())->function : nullptr; }

@@ -43,15 +43,6 @@ uint8_t operate(uint8_t operation, uint8_t stored, uint32_t reference)
 
 uint8_t* texelOf(const PixelRows& rows, uint32_t lane, uint32_t bytes) { return rows.row[laneY(lane)] + laneX(lane) * bytes; }
 
-/// What the depth buffer would hold for this depth: the comparison is made at its precision.
-float stored(uint32_t format, float depth)
-{
-    if (format == Depth32) return depth;
-    uint8_t texel[8] = {};
-    formats::packDepth(format, depth, texel);
-    return formats::unpackDepth(format, texel);
-}
-
 bool testStencil(const StencilState& s, uint32_t reference, uint8_t value)
 {
     return passes(s.compareFunction, reference & s.readMask & 0xFF, value & s.readMask & 0xFFu);
@@ -138,6 +129,14 @@ float clampedTo(const formats::PixelFormatInfo& format, float v)
 
 } // namespace
 
+float asStored(uint32_t format, float depth)
+{
+    if (format == Depth32) return depth;
+    uint8_t texel[8] = {};
+    formats::packDepth(format, depth, texel);
+    return formats::unpackDepth(format, texel);
+}
+
 uint32_t testDepthStencil(const DrawState& state, bool frontFacing, const Target& depth, const PixelRows& depthRows,
                           const Target& stencil, const PixelRows& stencilRows, const float* z,
                           const uint32_t* references, uint32_t mask)
@@ -161,7 +160,7 @@ uint32_t testDepthStencil(const DrawState& state, bool frontFacing, const Target
             continue;
         }
         uint8_t* depthTexel = hasDepth ? texelOf(depthRows, lane, depthBytes) : nullptr;
-        float value = hasDepth ? stored(depthFormat, z[lane]) : 0;
+        float value = hasDepth ? asStored(depthFormat, z[lane]) : 0;
         bool near = !hasDepth || passes(test.depthCompare, value, formats::unpackDepth(depthFormat, depthTexel));
         if (hasStencil) writeStencil(side, near ? side.passOperation : side.depthFailOperation, reference, stencilFormat, stencilTexel, old);
         if (!near) continue;

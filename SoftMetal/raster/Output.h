@@ -16,6 +16,9 @@ struct PixelRows
 inline constexpr uint32_t laneX(uint32_t lane) { return (lane >> 2) * 2 + (lane & 1); }
 inline constexpr uint32_t laneY(uint32_t lane) { return lane >> 1 & 1; }
 
+/// What a depth buffer would hold for this depth: the comparison is made at its precision.
+float asStored(uint32_t format, float depth);
+
 /// Tests the lanes of the mask against depth and stencil, updates both, and returns the lanes that pass. references are
 /// the stencil reference values of the lanes, null where the encoder's stands for all.
 uint32_t testDepthStencil(const DrawState& state, bool frontFacing, const Target& depth, const PixelRows& depthRows,

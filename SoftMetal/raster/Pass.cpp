@@ -42,7 +42,8 @@ class PassImplementation
 public:
     explicit PassImplementation(const PassDescription& description)
         : pass_(description), tilesX_((description.width + TileSize - 1) / TileSize),
-          tilesY_((description.height + TileSize - 1) / TileSize), bins_(static_cast<size_t>(tilesX_) * tilesY_)
+          tilesY_((description.height + TileSize - 1) / TileSize), bins_(static_cast<size_t>(tilesX_) * tilesY_),
+          ranges_(description.depth.texture ? bins_.size() : 1)
     {}
 
     void draw(const DrawState& state, const DrawCall& call)
@@ -166,8 +167,9 @@ private:
             auto x = static_cast<uint32_t>(tile % tilesX_) * TileSize,
                  y = static_cast<uint32_t>(tile / tilesX_) * TileSize;
             TileArea area{x, y, std::min(x + TileSize, pass_.width), std::min(y + TileSize, pass_.height)};
-            if (first) clearTile(pass_, area);
-            drawTile(pass_, area, bins_[tile]);
+            DepthRanges& ranges = ranges_[pass_.depth.texture ? tile : 0];
+            if (first) clearTile(pass_, area, ranges);
+            drawTile(pass_, area, ranges, bins_[tile]);
             bins_[tile].clear();
         };
         // Tiles without a triangle are left alone, and a single one is drawn before another thread would have woken up.
@@ -188,6 +190,7 @@ private:
     PassDescription pass_;
     uint32_t tilesX_, tilesY_;
     std::vector<std::vector<Binned>> bins_;
+    std::vector<DepthRanges> ranges_;          // of each tile; without a depth buffer one that nobody touches
     std::vector<size_t> filled_;               // tiles whose bins hold something
     std::vector<std::unique_ptr<Draw>> draws_; // bins point to them
     size_t held_ = 0;

@@ -73,6 +73,7 @@ struct Pipeline
     uint8_t colorTypes[abi::MaxColorOutputs] = {}; // 0 float, 1 signed, 2 unsigned
     bool writesDepth = false, writesStencil = false, writesCoverage = false, discards = false, usesPointCoord = false,
          earlyTests = false;
+    bool readsDepth = true, readsInverseW = true, readsW = true; // of FragmentInput: z, invW, w
     uint32_t colorFormats[abi::MaxColorOutputs] = {}; // MTL::PixelFormat
     BlendState blend[abi::MaxColorOutputs];
     bool alphaToOne = false; // the alpha of colour 0 is one, whatever the fragment function says

@@ -3,6 +3,7 @@
 #include "raster/Tiles.h"
 
 #include "formats/PixelFormat.h"
+#include "raster/Output.h"
 #include "raster/TileKernel.h"
 #include "vectors/InstructionSet.h"
 
@@ -10,9 +11,12 @@
 #include <bit>
 #include <cstring>
 #include <iterator>
+#include <limits>
 
-namespace softmetal::raster {
-namespace {
+namespace softmetal::raster
+{
+namespace
+{
 
 constexpr uint8_t LoadClear = 2;
 constexpr uint32_t Depth16 = 250, Depth32 = 252;
@@ -20,17 +24,20 @@ constexpr uint32_t Depth16 = 250, Depth32 = 252;
 uint8_t* texelAt(const Target& target, uint32_t x, uint32_t y)
 {
     const abi::TextureLevel& level = target.texture->levels[target.level];
-    return level.data + target.slice * level.slicePitch + target.plane * level.planePitch + static_cast<uint64_t>(y) * level.rowPitch +
+    return level.data + target.slice * level.slicePitch + target.plane * level.planePitch +
+           static_cast<uint64_t>(y) * level.rowPitch +
            static_cast<uint64_t>(x) * formats::pixelFormatInfo(target.texture->format)->bytes;
 }
 
-template <typename Word> void fillWords(const Target& target, const TileArea& area, const uint8_t* texel)
+template <typename Word>
+void fillWords(const Target& target, const TileArea& area, const uint8_t* texel)
 {
     Word word;
     std::memcpy(&word, texel, sizeof word);
     for (uint32_t y = area.y0; y < area.y1; ++y) {
         uint8_t* row = texelAt(target, area.x0, y);
-        for (uint32_t x = area.x0; x < area.x1; ++x, row += sizeof word) std::memcpy(row, &word, sizeof word);
+        for (uint32_t x = area.x0; x < area.x1; ++x, row += sizeof word)
+            std::memcpy(row, &word, sizeof word);
     }
 }
 
@@ -42,11 +49,16 @@ struct SixteenBytes
 void fillRows(const Target& target, const TileArea& area, const uint8_t* texel, uint32_t bytes)
 {
     switch (bytes) {
-    case 1: return fillWords<uint8_t>(target, area, texel);
-    case 2: return fillWords<uint16_t>(target, area, texel);
-    case 4: return fillWords<uint32_t>(target, area, texel);
-    case 8: return fillWords<uint64_t>(target, area, texel);
-    default: return fillWords<SixteenBytes>(target, area, texel);
+    case 1:
+        return fillWords<uint8_t>(target, area, texel);
+    case 2:
+        return fillWords<uint16_t>(target, area, texel);
+    case 4:
+        return fillWords<uint32_t>(target, area, texel);
+    case 8:
+        return fillWords<uint64_t>(target, area, texel);
+    default:
+        return fillWords<SixteenBytes>(target, area, texel);
     }
 }
 
@@ -57,7 +69,8 @@ void clearColor(const Target& target, const TileArea& area)
     float rgba[4];
     for (int i = 0; i < 4; ++i) {
         auto real = static_cast<float>(target.clearColor[i]);
-        rgba[i] = integer ? std::bit_cast<float>(static_cast<uint32_t>(static_cast<int64_t>(target.clearColor[i]))) : real;
+        rgba[i] =
+            integer ? std::bit_cast<float>(static_cast<uint32_t>(static_cast<int64_t>(target.clearColor[i]))) : real;
     }
     uint8_t texel[16] = {};
     formats::pack(format, rgba, texel);
@@ -75,8 +88,10 @@ void clearDepthStencil(const Target& target, const TileArea& area, bool depth)
     for (uint32_t y = area.y0; y < area.y1; ++y) {
         uint8_t* row = texelAt(target, area.x0, y);
         for (uint32_t x = area.x0; x < area.x1; ++x, row += bytes) {
-            if (depth) formats::packDepth(format, static_cast<float>(target.clearDepth), row);
-            else formats::packStencil(format, static_cast<uint8_t>(target.clearStencil), row);
+            if (depth)
+                formats::packDepth(format, static_cast<float>(target.clearDepth), row);
+            else
+                formats::packStencil(format, static_cast<uint8_t>(target.clearStencil), row);
         }
     }
 }
@@ -89,18 +104,33 @@ bool clears(const PassDescription& pass)
     return std::any_of(std::begin(pass.color), std::end(pass.color), clear) || clear(pass.depth) || clear(pass.stencil);
 }
 
-void clearTile(const PassDescription& pass, const TileArea& area)
+DepthRanges::DepthRanges() : known(false)
+{
+    std::fill(std::begin(least), std::end(least), -std::numeric_limits<float>::infinity());
+    std::fill(std::begin(most), std::end(most), std::numeric_limits<float>::infinity());
+}
+
+void clearTile(const PassDescription& pass, const TileArea& area, DepthRanges& ranges)
 {
     for (const Target& target : pass.color)
         if (target.texture && target.loadAction == LoadClear) clearColor(target, area);
-    if (pass.depth.texture && pass.depth.loadAction == LoadClear) clearDepthStencil(pass.depth, area, true);
+    if (pass.depth.texture && pass.depth.loadAction == LoadClear) {
+        clearDepthStencil(pass.depth, area, true);
+        const float depth = asStored(pass.depth.texture->format, static_cast<float>(pass.depth.clearDepth));
+        ranges.known = depth == depth;
+        if (ranges.known) {
+            std::fill(std::begin(ranges.least), std::end(ranges.least), depth);
+            std::fill(std::begin(ranges.most), std::end(ranges.most), depth);
+        }
+    }
     if (pass.stencil.texture && pass.stencil.loadAction == LoadClear) clearDepthStencil(pass.stencil, area, false);
 }
 
-void drawTile(const PassDescription& pass, const TileArea& area, const std::vector<Binned>& triangles)
+void drawTile(const PassDescription& pass, const TileArea& area, DepthRanges& ranges,
+              const std::vector<Binned>& triangles)
 {
     static const DrawTile draw = vectors::pick(base::drawTileFor, avx2::drawTileFor, avx512::drawTileFor)(lanes());
-    draw(pass, area, triangles.data(), triangles.size());
+    draw(pass, area, ranges, triangles.data(), triangles.size());
 }
 
 } // namespace softmetal::raster

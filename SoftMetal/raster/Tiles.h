@@ -3,7 +3,8 @@
 
 #include "raster/Primitives.h"
 
-namespace softmetal::raster {
+namespace softmetal::raster
+{
 
 /// A triangle of a draw, as bins hold it.
 struct Binned
@@ -18,13 +19,25 @@ struct TileArea
     uint32_t x0, y0, x1, y1;
 };
 
+/// What the depth buffer may hold, for each block of a tile. It need not be tight: blocks that surely fail are not
+/// looked at.
+struct DepthRanges
+{
+    static constexpr uint32_t Block = 8, Count = (TileSize / Block) * (TileSize / Block);
+    float least[Count], most[Count];
+    bool known; // every depth is a number: the tile was cleared
+
+    DepthRanges();
+};
+
 /// Whether the pass has a load action that writes.
 bool clears(const PassDescription& pass);
 
 /// Applies the pass's load actions to a tile.
-void clearTile(const PassDescription& pass, const TileArea& area);
+void clearTile(const PassDescription& pass, const TileArea& area, DepthRanges& ranges);
 
 /// Draws the triangles in order into a tile. passedSamples counts visible pixels for each occlusion slot.
-void drawTile(const PassDescription& pass, const TileArea& area, const std::vector<Binned>& triangles);
+void drawTile(const PassDescription& pass, const TileArea& area, DepthRanges& ranges,
+              const std::vector<Binned>& triangles);
 
 } // namespace softmetal::raster

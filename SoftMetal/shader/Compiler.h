@@ -110,6 +110,7 @@ struct FunctionReflection
     bool discards = false;
     bool usesPointCoord = false;
     bool earlyFragmentTests = false;
+    bool readsDepth = false, readsInverseW = false, readsW = false; // fragment: FragmentInput's z, invW and w
     uint32_t inputComponents = 0; // fragment: length of FragmentInput::planes; vertex: number of output components
 };
 

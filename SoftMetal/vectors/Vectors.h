@@ -140,18 +140,16 @@ template <uint32_t W, typename Half> SOFTMETAL_INLINE auto join(Half low, Half h
 }
 
 /// Two rows of W / 2 words.
-template <typename Vector> SOFTMETAL_INLINE Vector loadRows(const uint8_t* upper, const uint8_t* lower)
+template <uint32_t W, typename Vector> SOFTMETAL_INLINE Vector loadRows(const uint8_t* upper, const uint8_t* lower)
 {
-    Vector v;
-    std::memcpy(&v, upper, sizeof v / 2);
-    std::memcpy(reinterpret_cast<uint8_t*>(&v) + sizeof v / 2, lower, sizeof v / 2);
-    return v;
+    using Half = decltype(lowHalf<W>(Vector{}));
+    return join<W>(load<Half>(upper), load<Half>(lower));
 }
 
-template <typename Vector> SOFTMETAL_INLINE void storeRows(uint8_t* upper, uint8_t* lower, Vector v)
+template <uint32_t W, typename Vector> SOFTMETAL_INLINE void storeRows(uint8_t* upper, uint8_t* lower, Vector v)
 {
-    std::memcpy(upper, &v, sizeof v / 2);
-    std::memcpy(lower, reinterpret_cast<const uint8_t*>(&v) + sizeof v / 2, sizeof v / 2);
+    store(upper, lowHalf<W>(v));
+    store(lower, highHalf<W>(v));
 }
 
 } // namespace softmetal::vectors

@@ -44,10 +44,10 @@ void fields(Stream& stream, FunctionReflection& record)
 {
     auto& [name, stage, attributes, varyings, bindings, constants, hasPosition, pointSizeComponent, clipComponent,
            clipDistances, colorOutputs, colorTypes, colorComponents, writesDepth, writesStencil, writesCoverage,
-           discards, usesPointCoord, earlyFragmentTests, inputComponents] = record;
+           discards, usesPointCoord, earlyFragmentTests, readsDepth, readsInverseW, readsW, inputComponents] = record;
     stream(name, stage, attributes, varyings, bindings, constants, hasPosition, pointSizeComponent, clipComponent,
            clipDistances, colorOutputs, colorTypes, colorComponents, writesDepth, writesStencil, writesCoverage,
-           discards, usesPointCoord, earlyFragmentTests, inputComponents);
+           discards, usesPointCoord, earlyFragmentTests, readsDepth, readsInverseW, readsW, inputComponents);
 }
 
 template <class Stream>

@@ -96,6 +96,17 @@ private:
     std::string error_;
 };
 
+/// Whether an input is left that is divided by w.
+bool readsPerspective(const llvm::Module& module)
+{
+    const llvm::Function* function = module.getFunction({intrinsic::Varying.data(), intrinsic::Varying.size()});
+    return function && llvm::any_of(function->users(), [](const llvm::User* user) {
+               const auto* call = llvm::dyn_cast<llvm::CallInst>(user);
+               const auto* kind = call ? llvm::dyn_cast<llvm::ConstantInt>(call->getArgOperand(1)) : nullptr;
+               return !kind || kind->getZExtValue() == static_cast<uint64_t>(Interpolation::Perspective);
+           });
+}
+
 /// Notes which resources and operations are left in the cleaned-up function.
 void noteUses(const llvm::Module& module, FunctionReflection& reflection)
 {
@@ -115,6 +126,9 @@ void noteUses(const llvm::Module& module, FunctionReflection& reflection)
                                                                        : intrinsic::Sampler;
         binding.used = usesIndex(name, binding.index, binding.count);
     }
+    reflection.readsDepth = usesIndex(intrinsic::Position, 2, 1);
+    reflection.readsInverseW = usesIndex(intrinsic::Position, 3, 1);
+    reflection.readsW = readsPerspective(module);
     const llvm::Function* discard = module.getFunction({intrinsic::Discard.data(), intrinsic::Discard.size()});
     reflection.discards = discard && !discard->use_empty();
 }

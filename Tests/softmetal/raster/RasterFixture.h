@@ -60,6 +60,7 @@ fragment float4 value(In in [[stage_in]]) { return in.value; }
 fragment float4 level(In in [[stage_in]]) { return in.level; }
 fragment float4 constantly(In in [[stage_in]]) { return in.constantly; }
 fragment float4 depth(In in [[stage_in]]) { return float4(in.position.z, in.position.w, 0, 1); }
+fragment float4 valueUnlessNegative(In in [[stage_in]]) { if (in.value.x < 0) discard_fragment(); return in.value; }
 fragment float4 ones(In in [[stage_in]]) { return float4(1); }
 )";
 

@@ -57,9 +57,9 @@ TYPED_TEST(Vectors, RowsAreReadAndWrittenApart)
     std::array<int32_t, W> memory;
     for (uint32_t i = 0; i < W; ++i) memory[i] = static_cast<int32_t>(i);
     auto* bytes = reinterpret_cast<uint8_t*>(memory.data());
-    auto v = loadRows<Int<W>>(bytes + W * 2, bytes); // the second half first
+    auto v = loadRows<W, Int<W>>(bytes + W * 2, bytes); // the second half first
     for (uint32_t i = 0; i < W; ++i) EXPECT_EQ(v[i], static_cast<int32_t>((i + W / 2) % W));
-    storeRows(bytes, bytes + W * 2, v);
+    storeRows<W>(bytes, bytes + W * 2, v);
     for (uint32_t i = 0; i < W; ++i) EXPECT_EQ(memory[i], static_cast<int32_t>((i + W / 2) % W));
 }
 
