@@ -21,7 +21,8 @@ namespace softmetal::shader
 enum class Stage : uint8_t
 {
     Vertex,
-    Fragment
+    Fragment,
+    Kernel // a name in its library; none can be made
 };
 enum class ScalarType : uint8_t
 {

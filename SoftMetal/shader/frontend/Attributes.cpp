@@ -37,6 +37,7 @@ constexpr std::array Rows = {
     Row{"texture", Takes::Number},
     Row{"sampler", Takes::Number},
     Row{"attribute", Takes::Number},
+    Row{"softmetal_stage", Takes::Number}, // what the words for stages stand for
     Row{"function_constant", Takes::Constant},
     Row{"user", Takes::Word},
     Row{"vertex_id", Takes::Nothing},
@@ -76,6 +77,14 @@ constexpr std::array Rows = {
     Row{"payload", Takes::Refused},
     Row{"imageblock_data", Takes::Refused},
     // of compute kernels: known, so that the message is about the kernel
+    Row{"threads_per_simdgroup", Takes::Nothing},
+    Row{"thread_index_in_simdgroup", Takes::Nothing},
+    Row{"thread_index_in_quadgroup", Takes::Nothing},
+    Row{"simdgroup_index_in_threadgroup", Takes::Nothing},
+    Row{"simdgroups_per_threadgroup", Takes::Nothing},
+    Row{"thread_execution_width", Takes::Nothing},
+    Row{"dispatch_threads_per_threadgroup", Takes::Nothing},
+    Row{"max_total_threads_per_threadgroup", Takes::Number},
     Row{"thread_position_in_grid", Takes::Nothing},
     Row{"thread_position_in_threadgroup", Takes::Nothing},
     Row{"thread_index_in_threadgroup", Takes::Nothing},
@@ -126,9 +135,11 @@ bool readArgument(clang::Sema& sema, const clang::ParsedAttr& parsed, unsigned a
 
 struct StageAttribute : clang::ParsedAttrInfo
 {
-    explicit StageAttribute(const Row& row) : spelling{clang::ParsedAttr::AS_CXX11, row.name}, takes(row.takes)
+    explicit StageAttribute(const Row& row)
+        : spelling{clang::ParsedAttr::AS_CXX11, row.name}, other{clang::ParsedAttr::AS_GNU, row.name}, takes(row.takes)
     {
-        Spellings = llvm::ArrayRef<Spelling>(&spelling, 1);
+        const bool both = spelling.NormalizedFullName == std::string_view("softmetal_stage");
+        Spellings = both ? llvm::ArrayRef<Spelling>(&other, 1) : llvm::ArrayRef<Spelling>(&spelling, 1);
         OptArgs = takes == Takes::Nothing ? 0 : takes == Takes::Refused ? 2 : 1;
     }
 
@@ -156,7 +167,7 @@ struct StageAttribute : clang::ParsedAttrInfo
         return AttributeNotApplied;
     }
 
-    Spelling spelling;
+    Spelling spelling, other;
     Takes takes;
 };
 

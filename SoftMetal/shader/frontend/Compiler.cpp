@@ -191,6 +191,10 @@ private:
             error = "there is no function named '" + std::string(name) + "' in the library";
             return nullptr;
         }
+        if (entry->stage == Stage::Kernel) {
+            error = "function '" + entry->name + "' is a compute kernel, which this device does not run";
+            return nullptr;
+        }
         CompileTimes times;
         auto start = Clock::now();
         std::unique_ptr<llvm::Module> module = llvm::CloneModule(*program.module);

@@ -4,6 +4,7 @@
 #include "shader/frontend/Attributes.h"
 #include "shader/frontend/Checks.h"
 #include "shader/frontend/ClangHeaders.h"
+#include "shader/frontend/Literals.h"
 #include "shader/frontend/Messages.h"
 #include "shader/frontend/Program.h"
 #include "shader/frontend/Reflect.h"
@@ -24,10 +25,24 @@ constexpr const char* PrecompiledName = "/softmetal/standard.pch";
 
 /// Headers that a program may name; their content is in the precompiled header already.
 constexpr std::array IncludeNames = {
-    "metal_stdlib", "simd/simd.h",   "metal_math",     "metal_matrix",  "metal_geometric",
-    "metal_common", "metal_texture", "metal_graphics", "metal_integer", "metal_relational",
-    "metal_types",  "metal_pack",    "metal_array",    "metal_atomic",
+    "metal_stdlib",  "simd/simd.h",       "metal_math",          "metal_matrix",        "metal_geometric",
+    "metal_common",  "metal_texture",     "metal_graphics",      "metal_integer",       "metal_relational",
+    "metal_types",   "metal_pack",        "metal_array",         "metal_atomic",        "metal_limits",
+    "metal_compute", "metal_type_traits", "simd/vector_types.h", "simd/matrix_types.h", "simd/vector.h",
+    "simd/matrix.h",
 };
+
+/// What headers shared with a host ask about the platform.
+constexpr const char* TargetConditionals = R"(#pragma once
+#define TARGET_OS_MAC 1
+#define TARGET_OS_OSX 1
+#define TARGET_OS_IPHONE 0
+#define TARGET_OS_IOS 0
+#define TARGET_OS_TV 0
+#define TARGET_OS_WATCH 0
+#define TARGET_OS_MACCATALYST 0
+#define TARGET_OS_SIMULATOR 0
+)";
 
 constexpr std::array CommonArguments = {
     "-triple",
@@ -57,6 +72,7 @@ constexpr std::array CommonArguments = {
     "-Werror=unknown-attributes",
     "-Wno-user-defined-literals",
     "-Wno-unused-value",
+    "-Wno-elaborated-enum-base", // enumerations declared by the macros of shared headers
     "-Wno-duplicate-decl-specifier",
     "-internal-isystem",
     "/softmetal/include",
@@ -184,12 +200,20 @@ class Describe final : public clang::ASTConsumer
 {
 public:
     Describe(const AttributeTable& attributes, Program& program) : attributes_(attributes), program_(program) {}
+    void Initialize(clang::ASTContext& context) override { context_ = &context; }
+    bool HandleTopLevelDecl(clang::DeclGroupRef group) override
+    {
+        for (clang::Decl* declaration : group)
+            shortenLiterals(*context_, declaration);
+        return true;
+    }
     void HandleTranslationUnit(clang::ASTContext& context) override
     {
         if (!context.getDiagnostics().hasErrorOccurred()) describeProgram(context, attributes_, program_);
     }
 
 private:
+    clang::ASTContext* context_ = nullptr;
     const AttributeTable& attributes_;
     Program& program_;
 };
@@ -278,6 +302,7 @@ FileSystem programFiles(const std::string& source)
     addFile(files, SourceName, source);
     for (const char* name : IncludeNames)
         addFile(files, std::string("/softmetal/include/") + name, "");
+    addFile(files, "/softmetal/include/TargetConditionals.h", TargetConditionals);
     return files;
 }
 

@@ -84,12 +84,19 @@ private:
             if (const auto* variable = llvm::dyn_cast<clang::VarDecl>(declaration)) checkVariable(variable);
             const auto* function = llvm::dyn_cast<clang::FunctionDecl>(declaration);
             if (!function || !function->isThisDeclarationADefinition()) continue;
-            for (const auto* mark : function->specific_attrs<clang::AnnotateAttr>()) {
-                if (mark->getAnnotation() == "softmetal.vertex") addEntry(function, Stage::Vertex);
-                if (mark->getAnnotation() == "softmetal.fragment") addEntry(function, Stage::Fragment);
-                if (mark->getAnnotation() == "softmetal.kernel") error(function, "compute kernels are not supported by this device");
-            }
+            for (const char* name : {"softmetal_stage", "attribute"})
+                if (const Attribute* mark = attribute(function, name)) addStage(function, *mark);
         }
+    }
+
+    void addStage(const clang::FunctionDecl* function, const Attribute& mark)
+    {
+        constexpr int64_t First = 1001; // as the standard header numbers them
+        static constexpr std::array Stages = {Stage::Vertex, Stage::Fragment, Stage::Kernel};
+        const int64_t at = mark.numbers.empty() ? -1 : mark.numbers[0] - First;
+        if (at < 0 || at >= static_cast<int64_t>(Stages.size()))
+            return error(function, "attribute '%0' has no meaning here", "attribute");
+        addEntry(function, Stages[static_cast<size_t>(at)]);
     }
 
     void checkVariable(const clang::VarDecl* variable)
@@ -140,6 +147,7 @@ private:
         entry.symbol = symbol(function);
         entry.stage = stage;
         entry.earlyFragmentTests = attribute(function, "early_fragment_tests") != nullptr;
+        if (stage == Stage::Kernel) return program_.entries.push_back(std::move(entry)); // no more than its name
         for (std::set<int64_t>& indices : taken_) indices.clear();
         for (const clang::ParmVarDecl* parameter : function->parameters()) entry.parameters.push_back(describe(parameter, stage));
         describeResult(function, entry);
@@ -235,8 +243,15 @@ private:
         value.interpolation = interpolation(declaration, value);
         checkSource(declaration, place);
         for (const RoleRow& row : RoleRows)
-            if (const Attribute* mark = attribute(declaration, row.name)) setRole(declaration, row, *mark, place, value);
+            if (const Attribute* mark = roleMark(declaration, row)) setRole(declaration, row, *mark, place, value);
         return value;
+    }
+
+    /// On a function [[attribute]] is what [[vertex]] and [[fragment]] look like, and no role of its result.
+    const Attribute* roleMark(const clang::NamedDecl* declaration, const RoleRow& row) const
+    {
+        bool stage = row.role == Role::Attribute && llvm::isa<clang::FunctionDecl>(declaration);
+        return stage ? nullptr : attribute(declaration, row.name);
     }
 
     /// Blending may take a second colour from the function; this device's does not.

@@ -15,6 +15,9 @@ constexpr const char* Math =
 constexpr const char* Functions =
 #include "shader/stdlib/Functions.inc"
     ;
+constexpr const char* Traits =
+#include "shader/stdlib/Traits.inc"
+    ;
 constexpr const char* Textures =
 #include "shader/stdlib/Textures.inc"
     ;
@@ -32,8 +35,8 @@ constexpr const char* End =
 
 std::string standardHeader()
 {
-    return Core + vectorText() + matrixText() + std::string(Math) + functionText() + Functions + Textures + Atomics +
-           Uses + End;
+    return Core + vectorText() + matrixText() + std::string(Math) + functionText() + Functions + Traits + Textures +
+           Atomics + Uses + End;
 }
 
 } // namespace softmetal::shader

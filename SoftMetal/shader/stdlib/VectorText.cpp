@@ -162,11 +162,21 @@ std::string vectorClass(int n)
         splat += separator + Letters[at] + "(softmetal_s)";
         convert += separator + Letters[at] + "((T)softmetal_o." + Letters[at] + ")";
     }
+    std::string shortened; // of a longer vector the first components
+    for (int longer = n + 1; longer <= 4; ++longer) {
+        std::string first;
+        for (int i = 0; i < n; ++i) {
+            const std::string letter(1, Letters[static_cast<size_t>(i)]);
+            first += (i ? ", " : "") + letter + "((T)softmetal_o." + letter + ")";
+        }
+        shortened += "template <typename F> constexpr explicit vec(const vec<F, " + std::to_string(longer) +
+                     ">& softmetal_o) : " + first + " {}\n";
+    }
     std::string alignment = "sizeof(T) * " + std::to_string(n == 3 ? 4 : n);
     return "template <typename T> struct alignas(" + alignment + ") vec<T, " + count + ">\n{\n" + components(n) +
            "vec() = default;\nconstexpr vec(T softmetal_s) : " + splat + " {}\n" + constructors(n) +
            "template <typename F> constexpr explicit vec(const vec<F, " + count + ">& softmetal_o) : " + convert +
-           " {}\n" +
+           " {}\n" + shortened +
            "T& operator[](int i) { return (&x)[i]; }\nconst T& operator[](int i) const { return (&x)[i]; }\n" +
            swizzles(n) + operators(n) + "};\n";
 }

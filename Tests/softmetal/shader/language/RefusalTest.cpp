@@ -58,7 +58,8 @@ constexpr ProgramRow Programs[] = {
     {"[[visible]] float f(float a) { return a; }", "attribute 'visible' is not supported by this device"},
     {"fragment float4 f(float4 before [[color(0)]]) { return before; }", "attribute 'color' has no meaning here"},
     {"fragment float4 f(float a [[no_such_attribute]]) { return a; }", "unknown attribute 'no_such_attribute'"},
-    {"kernel void f(uint n [[thread_position_in_grid]]) {}", "compute kernels are not supported by this device"},
+    {"kernel void f(uint n [[thread_position_in_grid]]) {}",
+     "function 'f' is a compute kernel, which this device does not run"},
     // a second source for blending
     {"struct C { float4 a [[color(0), index(0)]]; float4 b [[color(0), index(1)]]; }; fragment C f() { return {}; }",
      "a second source for blending is not supported by this device"},

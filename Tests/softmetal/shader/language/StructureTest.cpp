@@ -187,6 +187,85 @@ constant float computed = 3 * 3;
 )");
 }
 
+TEST_F(Structure, NumbersInTemplatesAreOfSinglePrecisionToo)
+{
+    expectValues(
+        {
+            {"exactly(x)", {0}},
+            {"Scale<float>{0.1}.of(1.0)", {0.1f}},
+            {"sized(x)", {4}},
+            {"chosen(0.1)", {1}},
+            {"sum(x)", {0.75f + 0.1f}},
+        },
+        R"(
+template <typename T> T exactly(T a) { return a * 0 + (0.1 - 0.1f); } // in double precision something would be left
+template <typename T> struct Scale { T by; T of(T a) const { return powr(0.5 * a + 0.5, 2.0) * by; } };
+template <typename T> int sized(T a) { return sizeof(a * 0.5 + 0.25); }
+float which(float) { return 1; }
+float which(half) { return 2; }
+template <typename T> float chosen(T) { return which(T(0) + 0.1); }
+template <typename T> T sum(T a) { auto add = [](auto b) { return b + 0.1; }; return add(a); }
+)");
+}
+
+TEST_F(Structure, TypesAreAskedAndChosen)
+{
+    expectValues(
+        {
+            {"twice(x)", {1.5f}},
+            {"twice(7)", {70}},
+            {"first(i)", {7}},
+            {"is_same<make_scalar<half3>::type, half>::value && !is_same<int, uint>::value", {1}},
+            {"conditional_t<true, int, float>(x + 0.5)", {1}},
+            {"is_vector_v<float2> && !is_vector_v<float>", {1}},
+        },
+        R"(
+#include <metal_type_traits>
+template <typename T, typename = typename enable_if<is_floating_point<T>::value>::type> METAL_FUNC T twice(T a) { return a * 2; }
+template <typename T, enable_if_t<is_integral_v<T>, int> = 0> METAL_FUNC T twice(T a) { return a * 10; }
+template <typename T> make_scalar_t<T> first(T a) { return a.x; }
+)");
+}
+
+TEST_F(Structure, HeadersSharedWithAHostAreUnderstood)
+{
+    expectValues({{"int(Second) + int(sizeof(Index))", {9}}, {"platform()", {1}}}, R"(
+#include <TargetConditionals.h>
+#ifdef __METAL_VERSION__
+#define NS_ENUM(type, name) enum name : type name; enum name : type
+typedef int NSInteger;
+#endif
+typedef NS_ENUM(NSInteger, Index) { First = 4, Second = 5 };
+int platform() { return TARGET_OS_OSX && !TARGET_OS_IPHONE; }
+)");
+}
+
+TEST_F(Structure, StagesMayBeNamedAsAttributes)
+{
+    const std::string source = std::string(Numbers) + R"(
+[[vertex]] Corner in(uint id [[vertex_id]]) { return corner(id); }
+[[fragment]] float4 out(Corner corner [[stage_in]]) { return float4(corner.position.x); }
+)";
+    EXPECT_EQ(draw(pipelineOf(compiled(source), "in", "out"), 2)[1][0], 1.5f);
+}
+
+TEST_F(Structure, KernelsBesideOtherFunctionsAreNamedAndNotMade)
+{
+    auto* library = compiled(std::string(Numbers) + R"(
+kernel void add(device float* a [[buffer(0)]], uint n [[thread_position_in_grid]])
+{
+    threadgroup float shared[4];
+    shared[n & 3] = a[n];
+    threadgroup_barrier(mem_flags::mem_threadgroup);
+    a[n] = shared[0];
+}
+fragment float4 out() { return float4(1); }
+)");
+    ASSERT_NE(library, nullptr);
+    EXPECT_EQ(library->newFunction(device_test::text("add")), nullptr);
+    EXPECT_EQ(draw(pipelineOf(library, "corner", "out"), 1)[0][0], 1);
+}
+
 TEST_F(Structure, DeviceBuffersAreReadAndWritten)
 {
     const std::string source = std::string(Numbers) + R"(

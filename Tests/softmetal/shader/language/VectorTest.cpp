@@ -25,6 +25,10 @@ TEST_F(Vector, IsMadeFromScalarsVectorsAndBoth)
         {"simd::float3(v.xyz)", {1.5f, -2.25f, 3}},
         {"simd_float2(3, 4)", {3, 4}},
         {"float2()", {0, 0}},
+        {"float3(v)", {1.5f, -2.25f, 3}},
+        {"float2(v)", {1.5f, -2.25f}},
+        {"int2(v.xyz)", {1, -2}},
+        {"half3(i)", {7, -3, 100}},
     });
 }
 
