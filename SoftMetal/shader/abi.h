@@ -214,6 +214,8 @@ struct RuntimeTable
     uint32_t reserved;
     void (*sample)(const Texture*, const Sampler*, SampleCall*);        // texture may be null: zeros
     void (*sampleCompare)(const Texture*, const Sampler*, SampleCall*); // depth textures with a comparison
+    /// A component of the texels around a place; 4 compares them with lod, 5 gives the level of detail, clamped and
+    /// not.
     void (*gather)(const Texture*, const Sampler*, SampleCall*, uint32_t component);
     void (*read)(const Texture*, ReadCall*);
     void (*loopLimitReached)(); // a shader ran past the iteration limit

@@ -411,6 +411,18 @@ void sampleCompare(const Texture* texture, const Sampler* sampler, SampleCall* c
 
 /// In place of a component: the result of a comparison, whose reference is where the level stands otherwise.
 constexpr uint32_t Compared = 4;
+/// In place of a component: the level of detail of a sample there, as it would be taken and as it was found.
+constexpr uint32_t LevelOfDetail = 5;
+
+void setLevels(const Texture& texture, const Sampler& sampler, SampleCall& call, uint32_t lane)
+{
+    Footprint f{};
+    const bool quads = hasFootprint(call);
+    if (quads) f = footprint(call, lane, texture, *static_cast<const Access*>(texture.sampling), sampler);
+    const float found = quads ? lodOf(f) : 0.0f, last = static_cast<float>(texture.levelCount - 1);
+    call.result[0].f[lane] = std::clamp(levelOfDetail(call, lane, sampler, quads ? &f : nullptr), 0.0f, last);
+    call.result[1].f[lane] = found == found ? found : 0.0f;
+}
 
 void gather(const Texture* texture, const Sampler* sampler, SampleCall* call, uint32_t component)
 {
@@ -418,6 +430,10 @@ void gather(const Texture* texture, const Sampler* sampler, SampleCall* call, ui
     Texel border = borderColor(*texture, *sampler, false);
     for (uint32_t i = 0; i < MaxLanes; ++i) {
         if (!(call->mask >> i & 1)) continue;
+        if (component == LevelOfDetail) {
+            setLevels(*texture, *sampler, *call, i);
+            continue;
+        }
         Lane lane = laneAt(*texture, *sampler, *call, i, &border);
         const TextureLevel& image = texture->levels[0];
         bool n = sampler->normalizedCoordinates != 0;

@@ -131,7 +131,7 @@ bool Widener::access(StringRef name, CallInst& call)
     fillSample(call, sampleCall_);
     if (is(name, intrinsic::SampleCompare))
         storeLanes(sampleCall_, offsetof(abi::SampleCall, compare), vector(call.getArgOperand(ExtraArgument)));
-    if (is(name, intrinsic::Gather)) extra.push_back(b.getInt32(static_cast<uint32_t>(number(call, ExtraArgument, 5))));
+    if (is(name, intrinsic::Gather)) extra.push_back(b.getInt32(static_cast<uint32_t>(number(call, ExtraArgument, 6))));
     emptyResults(at(sampleCall_, offsetof(abi::SampleCall, result)));
     const Value *texture = call.getArgOperand(TextureArgument), *sampler = call.getArgOperand(SamplerArgument);
     kept(texture);

@@ -110,6 +110,56 @@ fragment float4 out(Corner c [[stage_in]], texture2d<float> t [[texture(0)]])
     EXPECT_EQ(values[5], (Value{1, 2, 0, 2}));
 }
 
+TEST_F(Textures, LevelOfDetailIsToldClampedAndNot)
+{
+    struct LevelRow
+    {
+        MTL::TextureType type;
+        const char* declared;
+        const char* at; // four texels a pixel along the first axis, where there is a level for it
+    };
+    constexpr LevelRow rows[] = {
+        {MTL::TextureType2D, "texture2d<float>", "float2(p.x / 2, 0)"},
+        {MTL::TextureType2DArray, "texture2d_array<float>", "float2(p.x / 2, 0)"},
+        {MTL::TextureType3D, "texture3d<float>", "float3(p.x / 2, 0, 0)"},
+        {MTL::TextureTypeCube, "texturecube<float>", "float3(p.x, 0, 100)"},
+        {MTL::TextureTypeCubeArray, "texturecube_array<float>", "float3(p.x, 0, 100)"},
+    };
+    for (const LevelRow& row : rows) {
+        const bool cube = row.type == MTL::TextureTypeCube || row.type == MTL::TextureTypeCubeArray;
+        const bool array = row.type == MTL::TextureType2DArray || row.type == MTL::TextureTypeCubeArray;
+        const NS::UInteger depth = row.type == MTL::TextureType3D ? 8 : 1;
+        auto* t = numbered({row.type, 8, 8, depth, array ? 2u : 1u, 2});
+        const std::string source =
+            std::string(Numbers) +
+            "constexpr sampler s(lod_clamp(0.25, 9));\nfragment float4 out(Corner c [[stage_in]], " + row.declared +
+            " t [[texture(0)]]) { float4 p = c.position; return float4(t.calculate_clamped_lod(s, " + row.at +
+            "), t.calculate_unclamped_lod(s, " + row.at + "), t.get_num_mip_levels(), 1); }\n";
+        auto values =
+            draw(pipelineOf(compiled(source), "corner", "out"), 2, 2, [&](auto* e) { e->setFragmentTexture(t, 0); });
+        EXPECT_NEAR(values[0][0], cube ? 0.25f : 1.0f, 1e-5)
+            << row.declared; // no level beyond the last, none before the clamp
+        EXPECT_NEAR(values[0][1], cube ? std::log2(0.04f) : 2.0f, 1e-4) << row.declared;
+        EXPECT_EQ(values[0][2], 2) << row.declared;
+    }
+}
+
+TEST_F(Textures, LevelOfDetailOfDepthIsTold)
+{
+    const std::string source = std::string(Numbers) + R"(
+constexpr sampler s(filter::nearest);
+fragment float4 out(Corner c [[stage_in]], depth2d<float> t [[texture(0)]])
+{
+    float2 at = c.position.xy / 4;
+    return float4(t.calculate_unclamped_lod(s, at), t.calculate_clamped_lod(s, at), t.calculate_clamped_lod(s, at * 64), 1);
+}
+)";
+    auto* t = numbered({MTL::TextureType2D, 8, 8, 1, 1, 4}, MTL::PixelFormatDepth32Float);
+    auto values =
+        draw(pipelineOf(compiled(source), "corner", "out"), 2, 2, [&](auto* e) { e->setFragmentTexture(t, 0); });
+    EXPECT_EQ(values[0], (Value{1, 1, 3, 1}));
+}
+
 TEST_F(Textures, TwoDimensionalArray)
 {
     expectTexture("texture2d_array<float>", numbered({MTL::TextureType2DArray, 4, 4, 1, 3, 2}),
@@ -176,9 +226,16 @@ TEST_F(Textures, Depth)
 
 TEST_F(Textures, DepthArraysAndCubes)
 {
-    expectTexture("depth2d_array<float>", numbered({MTL::TextureType2DArray, 4, 4, 1, 2, 1}, MTL::PixelFormatDepth32Float),
-                  {{"t.get_array_size()", {2}}, {"t.sample(s, float2(0.3, 0.6), 1)", {0.121f}}, {"t.read(uint2(1, 2), 1)", {0.121f}},
-                   {"t.sample_compare(less, float2(0.3, 0.6), 1, 0.12)", {1}}},
+    expectTexture("depth2d_array<float>",
+                  numbered({MTL::TextureType2DArray, 4, 4, 1, 2, 1}, MTL::PixelFormatDepth32Float),
+                  {{"t.get_array_size()", {2}},
+                   {"t.sample(s, float2(0.3, 0.6), 1)", {0.121f}},
+                   {"t.read(uint2(1, 2), 1)", {0.121f}},
+                   {"t.sample_compare(less, float2(0.3, 0.6), 1, 0.12)", {1}},
+                   {"t.sample_compare(less, float2(0.3, 0.6), 1, 0.12, level(0), min_lod_clamp(0))", {1}},
+                   {"t.sample_compare(less, float2(0.3, 0.6), 1, 0.12, int2(-1, 0))", {0}},
+                   {"t.gather(less, float2(0.5, 0.5), 1)", {0.121f, 0.122f, 0.112f, 0.111f}},
+                   {"t.gather_compare(less, float2(0.5, 0.5), 1, 0.115)", {1, 1, 0, 0}}},
                   "constexpr sampler less(compare_func::less);\n");
     expectTexture("depthcube<float>", numbered({MTL::TextureTypeCube, 4, 4, 1, 1, 1}, MTL::PixelFormatDepth32Float),
                   {{"t.get_width()", {4}}, {"floor(t.sample(s, float3(0.1, 1, 0.1)) * 10)", {2}},
