@@ -246,7 +246,8 @@ void RenderEncoderObject::draw(const raster::DrawCall& call, const char* name)
     state.vertexResources = snapshotOf(vertex, *this, pipeline->vertexFunction.get(), storage.arena);
     state.fragmentResources = snapshotOf(fragment, *this, pipeline->fragmentFunction.get(), storage.arena);
     mustCheck = false;
-    storage.draws.push_back({state, call});
+    if (storage.states.empty() || std::memcmp(&storage.states.back(), &state, sizeof state) != 0) storage.states.push_back(state);
+    storage.draws.push_back({static_cast<uint32_t>(storage.states.size() - 1), call});
 }
 
 void RenderEncoderObject::handOver()

@@ -132,7 +132,7 @@ void setLanes(uint32_t count);
 
 class PassImplementation;
 
-/// Draws may be deferred: what state, call and description point to must stay valid until finish() returns.
+/// Draws may be deferred: the state, and what state, call and description point to, must stay valid until finish() returns.
 /// One thread drives a pass; inside, work is spread over the pool. The pixels do not depend on the number of workers.
 class Pass
 {
@@ -141,7 +141,7 @@ public:
     ~Pass();
     Pass(const Pass&) = delete;
     Pass& operator=(const Pass&) = delete;
-    void draw(const DrawState& state, const DrawCall& call); // the state struct itself is copied
+    void draw(const DrawState& state, const DrawCall& call); // calls with one state struct are drawn as one
     void finish();
 
 private:
