@@ -4,6 +4,7 @@
 // finish() has returned. Enumerators are Metal's, as integers.
 #pragma once
 
+#include "formats/VertexFormat.h"
 #include "shader/abi.h"
 
 #include <cstdint>
@@ -46,6 +47,7 @@ struct VertexAttribute
     uint32_t format = 0; // MTL::VertexFormat, 0: the attribute reads zeros
     uint32_t offset = 0;
     uint32_t buffer = 0;
+    formats::VertexFormatInfo info{}; // of format
 };
 
 struct VertexLayout
