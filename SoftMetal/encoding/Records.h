@@ -16,7 +16,7 @@ namespace softmetal
 
 struct DrawRecord
 {
-    raster::DrawState state; // its resource tables lie in the arena
+    uint32_t state; // in CommandStorage::states
     raster::DrawCall call;
 };
 
@@ -116,6 +116,7 @@ struct CommandStorage
     Arena arena;
     std::vector<Record> records;
     std::vector<DrawRecord> draws;
+    std::vector<raster::DrawState> states; // each of one draw or more in a row; their resource tables lie in the arena
     std::vector<Presentable*> presents; // shown once everything else is done
     std::vector<ObjectRef> kept;        // alive until then
 
@@ -123,6 +124,7 @@ struct CommandStorage
     {
         records.clear();
         draws.clear();
+        states.clear();
         presents.clear();
         kept.clear();
         arena.reset();

@@ -3,7 +3,6 @@
 #include "encoding/Commands.h"
 
 #include "formats/PixelFormat.h"
-#include "formats/VertexFormat.h"
 #include "inspect/Counters.h"
 
 #include <algorithm>
@@ -226,7 +225,7 @@ void RenderEncoderObject::checkVertexRange(const raster::DrawCall& call, const c
         uint64_t last = 0, length = vertex.table.bufferLengths[a.buffer];
         if (layout.stepFunction == MTL::VertexStepFunctionPerVertex) last = call.indices ? 0 : uint64_t{call.start} + call.count - 1;
         else if (layout.stepFunction == MTL::VertexStepFunctionPerInstance) last = call.baseInstance + (call.instanceCount - 1) / std::max(layout.stepRate, 1u);
-        uint64_t end = last * layout.stride + a.offset + formats::vertexFormatInfo(a.format).bytes();
+        uint64_t end = last * layout.stride + a.offset + a.info.bytes();
         require(length == 0 || end <= length, Rule::DrawVertexRange, name, index, *pipeline, end, a.buffer, length);
     }
 }
@@ -246,7 +245,8 @@ void RenderEncoderObject::draw(const raster::DrawCall& call, const char* name)
     state.vertexResources = snapshotOf(vertex, *this, pipeline->vertexFunction.get(), storage.arena);
     state.fragmentResources = snapshotOf(fragment, *this, pipeline->fragmentFunction.get(), storage.arena);
     mustCheck = false;
-    storage.draws.push_back({state, call});
+    if (storage.states.empty() || std::memcmp(&storage.states.back(), &state, sizeof state) != 0) storage.states.push_back(state);
+    storage.draws.push_back({static_cast<uint32_t>(storage.states.size() - 1), call});
 }
 
 void RenderEncoderObject::handOver()

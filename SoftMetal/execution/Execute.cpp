@@ -25,7 +25,7 @@ void run(const PassRecord& pass, const CommandStorage& storage)
 {
     raster::Pass target(pass.description);
     for (size_t i = 0; i < pass.drawCount; ++i)
-        target.draw(storage.draws[pass.firstDraw + i].state, storage.draws[pass.firstDraw + i].call);
+        target.draw(storage.states[storage.draws[pass.firstDraw + i].state], storage.draws[pass.firstDraw + i].call);
     target.finish();
     if (PassObserver observer = passObserver) observer(pass.serial, &pass.description);
 }

@@ -45,7 +45,8 @@ void takeAttribute(raster::Pipeline& pipeline, const shader::AttributeReflection
     if (std::string problem = stepProblem(*layout); !problem.empty())
         return refuse(why, subject + " reads from buffer index " + std::to_string(known->bufferIndex) + ", which " +
                                problem);
-    pipeline.attributes[attribute.index] = {static_cast<uint32_t>(known->format), static_cast<uint32_t>(known->offset), static_cast<uint32_t>(known->bufferIndex)};
+    pipeline.attributes[attribute.index] = {static_cast<uint32_t>(known->format), static_cast<uint32_t>(known->offset), static_cast<uint32_t>(known->bufferIndex),
+                                            formats::vertexFormatInfo(static_cast<uint32_t>(known->format))};
     pipeline.attributeMask |= 1u << attribute.index;
     if (isReal(attribute.type)) pipeline.floatAttributes |= 1u << attribute.index;
 }

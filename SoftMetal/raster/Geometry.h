@@ -106,7 +106,7 @@ struct Geometry
     /// Projects a batch of vertices, from the vertex function's outputs.
     void (*project)(const Projection& p, const abi::Lanes* outputs, uint32_t count, ScreenVertex* vertices);
     /// Sets triangles up from number first on; the number of the first that is hard, else count.
-    uint32_t (*assemble)(const Assembly& a, uint32_t first, Draw& draw);
+    uint32_t (*assemble)(const Assembly& a, uint32_t first, const Draw& draw);
 };
 
 namespace base

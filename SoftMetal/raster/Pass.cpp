@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <cstring>
 #include <iterator>
 #include <memory>
 #include <span>
@@ -21,7 +20,7 @@ namespace
 // Triangles are held back before tiles are drawn, but no more than a processor's cache holds beside the tile.
 constexpr size_t MostTriangles = 1u << 12;
 constexpr uint32_t PrimitivesAPart = 4096; // of a long list, which is set up in parts, several at a time
-constexpr size_t FewestParts = 2, MostSpares = 16;
+constexpr size_t FewestParts = 2, MostParts = 64;
 constexpr size_t FewTiles = 1;
 
 std::atomic<uint32_t> laneCount{4};
@@ -58,7 +57,7 @@ public:
             part.start += first;
             part.count = std::min(step, call.count - first);
             part.firstPrimitive = first / cornersOf(call.primitive);
-            if (parts.size() < std::max(FewestParts, workers::threadCount())) continue;
+            if (parts.size() < std::clamp(workers::threadCount(), FewestParts, MostParts)) continue;
             drawParts(state, parts);
             parts.clear();
         }
@@ -83,74 +82,65 @@ private:
     void drawParts(const DrawState& state, std::span<const DrawCall> parts)
     {
         const uint32_t depthFormat = pass_.depth.texture ? pass_.depth.texture->format : 0;
+        while (stores_.size() < parts.size())
+            stores_.push_back(takeSpare());
+        size_t before[MostParts];
+        for (size_t i = 0; i < parts.size(); ++i)
+            before[i] = stores_[i]->triangles.size();
         if (parts.size() == 1) {
-            Draw& draw = continues(state, parts[0]) ? *draws_.back() : add(state);
-            const size_t first = draw.triangles.size();
-            setUp(parts[0], pass_.width, pass_.height, depthFormat, draw);
-            bin(draw, first);
+            if (!continues(state, parts[0])) draws_.push_back(drawOf(state, parts[0].primitive, *stores_[0]));
+            setUp(parts[0], pass_.width, pass_.height, depthFormat, draws_.back());
         } else {
             const size_t begin = draws_.size();
             for (size_t i = 0; i < parts.size(); ++i)
-                add(state);
+                draws_.push_back(drawOf(state, parts[i].primitive, *stores_[i]));
             workers::parallelFor(parts.size(), [&](size_t i) {
-                setUp(parts[i], pass_.width, pass_.height, depthFormat, *draws_[begin + i]);
+                setUp(parts[i], pass_.width, pass_.height, depthFormat, draws_[begin + i]);
             });
-            for (size_t d = begin; d < draws_.size(); ++d)
-                bin(*draws_[d], 0);
-            // What has nothing to show does not keep its memory until the tiles are drawn.
-            const auto shown = std::stable_partition(draws_.begin() + static_cast<std::ptrdiff_t>(begin), draws_.end(),
-                                                     [](const auto& draw) { return draw->triangles.size() != 0; });
-            std::for_each(shown, draws_.end(), [](auto& draw) { giveBack(std::move(draw)); });
-            draws_.erase(shown, draws_.end());
         }
+        for (size_t i = 0; i < parts.size(); ++i)
+            bin(draws_.size() - parts.size() + i, before[i]);
         if (held_ > MostTriangles) flush();
-    }
-
-    Draw& add(const DrawState& state)
-    {
-        draws_.push_back(takeSpare());
-        draws_.back()->state = state;
-        return *draws_.back();
     }
 
     /// Whether the last draw can take the call's triangles too: then a tile need not begin anew with them.
     bool continues(const DrawState& state, const DrawCall& call) const
     {
         if (draws_.empty()) return false;
-        const Draw& last = *draws_.back();
-        return last.points == (call.primitive == 0) && last.triangles.size() < PrimitivesAPart &&
-               std::memcmp(&last.state, &state, sizeof state) == 0;
+        const Draw& last = draws_.back();
+        return last.state == &state && last.points == (call.primitive == 0) && last.store == stores_[0].get();
     }
 
-    /// Draws of this thread whose memory is used again: fresh pages cost more than setting up the triangles in them.
-    static std::vector<std::unique_ptr<Draw>>& spares()
+    /// Stores of this thread whose memory is used again: fresh pages cost more than setting up the triangles in them.
+    static std::vector<std::unique_ptr<Store>>& spares()
     {
-        static thread_local std::vector<std::unique_ptr<Draw>> kept;
+        static thread_local std::vector<std::unique_ptr<Store>> kept;
         return kept;
     }
 
-    static std::unique_ptr<Draw> takeSpare()
+    static std::unique_ptr<Store> takeSpare()
     {
-        if (spares().empty()) return std::make_unique<Draw>();
-        std::unique_ptr<Draw> draw = std::move(spares().back());
+        if (spares().empty()) return std::make_unique<Store>();
+        std::unique_ptr<Store> store = std::move(spares().back());
         spares().pop_back();
-        return draw;
+        return store;
     }
 
-    static void giveBack(std::unique_ptr<Draw> draw)
+    static void giveBack(std::unique_ptr<Store> store)
     {
-        if (spares().size() >= MostSpares || draw->triangles.capacity() > 2 * PrimitivesAPart) return;
-        draw->triangles.clear();
-        draw->planes.clear();
-        spares().push_back(std::move(draw));
+        if (spares().size() >= MostParts || store->triangles.capacity() > 4 * PrimitivesAPart) return;
+        store->triangles.clear();
+        store->planes.clear();
+        spares().push_back(std::move(store));
     }
 
-    void bin(const Draw& draw, size_t first)
+    void bin(size_t draw, size_t first)
     {
-        held_ += draw.triangles.size() - first;
-        for (size_t i = first; i < draw.triangles.size(); ++i) {
-            const Triangle& t = draw.triangles[i];
-            const Binned binned{&draw, static_cast<uint32_t>(i)};
+        const Grown<Triangle>& triangles = draws_[draw].store->triangles;
+        held_ += triangles.size() - first;
+        for (size_t i = first; i < triangles.size(); ++i) {
+            const Triangle& t = triangles[i];
+            const Binned binned{static_cast<uint32_t>(draw), static_cast<uint32_t>(i)};
             for (uint32_t y = t.minY / TileSize; y <= t.maxY / TileSize; ++y)
                 for (uint32_t x = t.minX / TileSize; x <= t.maxX / TileSize; ++x) {
                     const size_t tile = static_cast<size_t>(y) * tilesX_ + x;
@@ -169,7 +159,7 @@ private:
             TileArea area{x, y, std::min(x + TileSize, pass_.width), std::min(y + TileSize, pass_.height)};
             DepthRanges& ranges = ranges_[pass_.depth.texture ? tile : 0];
             if (first) clearTile(pass_, area, ranges);
-            drawTile(pass_, area, ranges, bins_[tile]);
+            drawTile(pass_, area, ranges, draws_.data(), bins_[tile]);
             bins_[tile].clear();
         };
         // Tiles without a triangle are left alone, and a single one is drawn before another thread would have woken up.
@@ -181,8 +171,9 @@ private:
             workers::parallelFor(filled_.size(), [&](size_t i) { work(filled_[i]); });
         filled_.clear();
         cleared_ = true;
-        for (auto& draw : draws_)
-            giveBack(std::move(draw));
+        for (auto& store : stores_)
+            giveBack(std::move(store));
+        stores_.clear();
         draws_.clear();
         held_ = 0;
     }
@@ -190,9 +181,11 @@ private:
     PassDescription pass_;
     uint32_t tilesX_, tilesY_;
     std::vector<std::vector<Binned>> bins_;
-    std::vector<DepthRanges> ranges_;          // of each tile; without a depth buffer one that nobody touches
-    std::vector<size_t> filled_;               // tiles whose bins hold something
-    std::vector<std::unique_ptr<Draw>> draws_; // bins point to them
+    std::vector<DepthRanges> ranges_; // of each tile; without a depth buffer one that nobody touches
+    std::vector<size_t> filled_;      // tiles whose bins hold something
+    std::vector<Draw> draws_;
+    std::vector<std::unique_ptr<Store>>
+        stores_; // the first takes calls that are set up alone, the others parts of calls
     size_t held_ = 0;
     bool cleared_ = false, finished_ = false;
 };

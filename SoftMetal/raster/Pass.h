@@ -4,6 +4,7 @@
 // finish() has returned. Enumerators are Metal's, as integers.
 #pragma once
 
+#include "formats/VertexFormat.h"
 #include "shader/abi.h"
 
 #include <cstdint>
@@ -46,6 +47,7 @@ struct VertexAttribute
     uint32_t format = 0; // MTL::VertexFormat, 0: the attribute reads zeros
     uint32_t offset = 0;
     uint32_t buffer = 0;
+    formats::VertexFormatInfo info{}; // of format
 };
 
 struct VertexLayout
@@ -132,7 +134,7 @@ void setLanes(uint32_t count);
 
 class PassImplementation;
 
-/// Draws may be deferred: what state, call and description point to must stay valid until finish() returns.
+/// Draws may be deferred: the state, and what state, call and description point to, must stay valid until finish() returns.
 /// One thread drives a pass; inside, work is spread over the pool. The pixels do not depend on the number of workers.
 class Pass
 {
@@ -141,7 +143,7 @@ public:
     ~Pass();
     Pass(const Pass&) = delete;
     Pass& operator=(const Pass&) = delete;
-    void draw(const DrawState& state, const DrawCall& call); // the state struct itself is copied
+    void draw(const DrawState& state, const DrawCall& call); // calls with one state struct are drawn as one
     void finish();
 
 private:

@@ -18,25 +18,33 @@ struct Triangle
     int32_t x[3], y[3];              // corners, sub-pixel units
     uint16_t minX, minY, maxX, maxY; // pixels, inclusive, within the render area and scissor
     float originX, originY;          // reference point of the planes, pixels
+    uint32_t firstPlane;             // depth, 1/w, inputs; of points also their corner and size
     uint32_t primitiveId;
     uint32_t frontFacing;
+};
+
+/// Triangles of many draws, in order, and their planes. One thread at a time adds to it.
+struct Store
+{
+    Grown<Triangle> triangles;
+    Grown<abi::Plane> planes;
 };
 
 /// A draw call, or several with one state, shaded and set up; kept until its tiles are drawn.
 struct Draw
 {
-    DrawState state;
-    Grown<Triangle> triangles;
-    Grown<abi::Plane> planes; // planesEach for each triangle, in the same order
-    uint32_t planesEach = 2;  // depth, 1/w, inputs; of points also their corner and size
-    bool points = false;
-
-    const abi::Plane* planesOf(size_t triangle) const { return planes.data() + triangle * planesEach; }
+    const DrawState* state;
+    Store* store;
+    uint32_t planesEach;
+    bool points;
 };
 
-/// Shades the vertices of a call, assembles, clips and sets up its primitives behind those that the draw has. The area
+/// The draw of calls of one kind of primitive.
+Draw drawOf(const DrawState& state, uint8_t primitive, Store& store);
+
+/// Shades the vertices of a call, assembles, clips and sets up its primitives behind those that the store has. The area
 /// is in pixels.
-void setUp(const DrawCall& call, uint32_t width, uint32_t height, uint32_t depthFormat, Draw& draw);
+void setUp(const DrawCall& call, uint32_t width, uint32_t height, uint32_t depthFormat, const Draw& draw);
 
 uint32_t lanes();
 

@@ -97,7 +97,7 @@ void listStrip(const Grown<uint32_t>& places, Grown<uint32_t>& corners)
 class SetUp
 {
 public:
-    SetUp(const DrawCall& call, const Area& area, uint32_t depthFormat, Draw& draw, Scratch& scratch)
+    SetUp(const DrawCall& call, const Area& area, uint32_t depthFormat, const Draw& draw, Scratch& scratch)
         : call_(call), area_(area), depthFormat_(depthFormat), draw_(draw), scratch_(scratch),
           single_(area, depthFormat, draw)
     {}
@@ -145,7 +145,7 @@ private:
 
     Assembly assembly(const Projection& projection, const Grown<uint32_t>& corners)
     {
-        const DrawState& state = draw_.state;
+        const DrawState& state = *draw_.state;
         ShadedVertices& shaded = scratch_.shaded;
         const PlaneSource *sources = projection.sources, *end = sources + projection.sourceCount;
         Assembly a{};
@@ -178,7 +178,7 @@ private:
     const DrawCall& call_;
     const Area& area_;
     uint32_t depthFormat_;
-    Draw& draw_;
+    const Draw& draw_;
     Scratch& scratch_;
     SinglePrimitives single_;
 };
@@ -191,22 +191,27 @@ const Geometry& geometry()
     return best;
 }
 
-void setUp(const DrawCall& call, uint32_t width, uint32_t height, uint32_t depthFormat, Draw& draw)
+Draw drawOf(const DrawState& state, uint8_t primitive, Store& store)
 {
-    static thread_local Scratch scratch;
-    draw.points = call.primitive == Point;
-    draw.planesEach = 2 + static_cast<uint32_t>(draw.state.pipeline->inputMap.size()) + draw.points;
-    const Area area = areaOf(draw.state, width, height);
+    const bool points = primitive == Point;
+    return {&state, &store, 2 + static_cast<uint32_t>(state.pipeline->inputMap.size()) + points, points};
+}
+
+void setUp(const DrawCall& call, uint32_t width, uint32_t height, uint32_t depthFormat, const Draw& draw)
+{
+    static thread_local Scratch kept;
+    Scratch& scratch = kept;
+    const DrawState& state = *draw.state;
+    const Area area = areaOf(state, width, height);
     listVertices(call, scratch.list);
     if (scratch.list.ids.size() == 0) return;
-    listSources(*draw.state.pipeline, scratch.sources);
-    const Projection projection = projectionOf(draw.state, scratch.sources);
+    listSources(*state.pipeline, scratch.sources);
+    const Projection projection = projectionOf(state, scratch.sources);
     SetUp work(call, area, depthFormat, draw, scratch);
     for (uint32_t i = 0; i < call.instanceCount; ++i) {
-        shade(draw.state, call, scratch.list, call.baseInstance + i, projection, scratch.shaded);
+        shade(state, call, scratch.list, call.baseInstance + i, projection, scratch.shaded);
         if (inspect::shaderLimitReached()) break;
-        if (draw.state.pipeline->rasterizationEnabled)
-            work.run(projection); // else what it wrote to buffers counts
+        work.run(projection);
     }
     scratch.trim();
 }

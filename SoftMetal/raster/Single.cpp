@@ -65,10 +65,10 @@ float depthBias(const DrawState& state, uint32_t depthFormat, const abi::Plane& 
     return static_cast<float>(bias);
 }
 
-SinglePrimitives::SinglePrimitives(const Area& area, uint32_t depthFormat, Draw& draw)
-    : draw_(draw), state_(draw.state), pipeline_(*draw.state.pipeline), area_(area), depthFormat_(depthFormat),
-      planes_(static_cast<int>(FixedPlanes + draw.state.pipeline->clipDistances)),
-      reach_(raster::reachOf(draw.state.viewport))
+SinglePrimitives::SinglePrimitives(const Area& area, uint32_t depthFormat, const Draw& draw)
+    : draw_(draw), state_(*draw.state), pipeline_(*draw.state->pipeline), area_(area), depthFormat_(depthFormat),
+      planes_(static_cast<int>(FixedPlanes + draw.state->pipeline->clipDistances)),
+      reach_(raster::reachOf(draw.state->viewport))
 {}
 
 void SinglePrimitives::use(const ShadedVertices& shaded, uint32_t firstId)
@@ -278,7 +278,7 @@ void SinglePrimitives::fill(std::array<Corner, 3> p, bool clockwise, bool front,
     t.frontFacing = front;
     t.primitiveId = id;
     addPlanes(values, t);
-    draw_.triangles.push(t);
+    draw_.store->triangles.push(t);
 }
 
 void SinglePrimitives::addPlanes(const std::array<Corner, 3>& v, Triangle& t)
@@ -293,8 +293,10 @@ void SinglePrimitives::addPlanes(const std::array<Corner, 3>& v, Triangle& t)
         return abi::Plane{static_cast<float>(va), static_cast<float>((d1 * y2 - d2 * y1) * scale),
                           static_cast<float>((d2 * x1 - d1 * x2) * scale)};
     };
-    abi::Plane* to = draw_.planes.room(draw_.planesEach);
-    draw_.planes.add(draw_.planesEach);
+    Grown<abi::Plane>& planes = draw_.store->planes;
+    t.firstPlane = static_cast<uint32_t>(planes.size());
+    abi::Plane* to = planes.room(draw_.planesEach);
+    planes.add(draw_.planesEach);
     *to = plane(a.z, b.z, c.z);
     to->origin += depthBias(state_, depthFormat_, *to, std::max({a.z, b.z, c.z}));
     *++to = plane(a.invW, b.invW, c.invW);

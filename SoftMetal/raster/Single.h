@@ -32,7 +32,7 @@ float depthBias(const DrawState& state, uint32_t depthFormat, const abi::Plane& 
 class SinglePrimitives
 {
 public:
-    SinglePrimitives(const Area& area, uint32_t depthFormat, Draw& draw);
+    SinglePrimitives(const Area& area, uint32_t depthFormat, const Draw& draw);
 
     /// The vertices of an instance, which what follows is made of.
     void use(const ShadedVertices& shaded, uint32_t firstId);
@@ -62,7 +62,7 @@ private:
     void fill(std::array<Corner, 3> p, bool clockwise, bool front, uint32_t id, const std::array<Corner, 3>& values);
     void addPlanes(const std::array<Corner, 3>& v, Triangle& t);
 
-    Draw& draw_;
+    const Draw& draw_;
     const DrawState& state_;
     const Pipeline& pipeline_;
     Area area_;

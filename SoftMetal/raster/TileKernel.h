@@ -8,7 +8,7 @@
 
 namespace softmetal::raster {
 
-using DrawTile = void (*)(const PassDescription&, const TileArea&, DepthRanges&, const Binned*, size_t count);
+using DrawTile = void (*)(const PassDescription&, const TileArea&, DepthRanges&, const Draw* draws, const Binned*, size_t count);
 
 namespace base {
 DrawTile drawTileFor(uint32_t lanes);

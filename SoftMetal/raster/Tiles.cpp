@@ -29,37 +29,16 @@ uint8_t* texelAt(const Target& target, uint32_t x, uint32_t y)
            static_cast<uint64_t>(x) * formats::pixelFormatInfo(target.texture->format)->bytes;
 }
 
-template <typename Word>
-void fillWords(const Target& target, const TileArea& area, const uint8_t* texel)
-{
-    Word word;
-    std::memcpy(&word, texel, sizeof word);
-    for (uint32_t y = area.y0; y < area.y1; ++y) {
-        uint8_t* row = texelAt(target, area.x0, y);
-        for (uint32_t x = area.x0; x < area.x1; ++x, row += sizeof word)
-            std::memcpy(row, &word, sizeof word);
-    }
-}
-
-struct SixteenBytes
-{
-    uint64_t half[2];
-};
-
+/// Copies of one row, which is made of copies of one texel.
 void fillRows(const Target& target, const TileArea& area, const uint8_t* texel, uint32_t bytes)
 {
-    switch (bytes) {
-    case 1:
-        return fillWords<uint8_t>(target, area, texel);
-    case 2:
-        return fillWords<uint16_t>(target, area, texel);
-    case 4:
-        return fillWords<uint32_t>(target, area, texel);
-    case 8:
-        return fillWords<uint64_t>(target, area, texel);
-    default:
-        return fillWords<SixteenBytes>(target, area, texel);
-    }
+    constexpr size_t MostBytes = 16;
+    uint8_t row[TileSize * MostBytes];
+    const size_t length = size_t{area.x1 - area.x0} * bytes;
+    for (size_t i = 0; i < length; i += bytes)
+        std::memcpy(row + i, texel, bytes);
+    for (uint32_t y = area.y0; y < area.y1; ++y)
+        std::memcpy(texelAt(target, area.x0, y), row, length);
 }
 
 void clearColor(const Target& target, const TileArea& area)
@@ -126,11 +105,11 @@ void clearTile(const PassDescription& pass, const TileArea& area, DepthRanges& r
     if (pass.stencil.texture && pass.stencil.loadAction == LoadClear) clearDepthStencil(pass.stencil, area, false);
 }
 
-void drawTile(const PassDescription& pass, const TileArea& area, DepthRanges& ranges,
+void drawTile(const PassDescription& pass, const TileArea& area, DepthRanges& ranges, const Draw* draws,
               const std::vector<Binned>& triangles)
 {
     static const DrawTile draw = vectors::pick(base::drawTileFor, avx2::drawTileFor, avx512::drawTileFor)(lanes());
-    draw(pass, area, ranges, triangles.data(), triangles.size());
+    draw(pass, area, ranges, draws, triangles.data(), triangles.size());
 }
 
 } // namespace softmetal::raster

@@ -6,11 +6,10 @@
 namespace softmetal::raster
 {
 
-/// A triangle of a draw, as bins hold it.
+/// A triangle of a draw, as bins hold it: by numbers.
 struct Binned
 {
-    const Draw* draw;
-    uint32_t triangle;
+    uint32_t draw, triangle;
 };
 
 /// Pixels of one tile, exclusive at the high ends.
@@ -37,7 +36,7 @@ bool clears(const PassDescription& pass);
 void clearTile(const PassDescription& pass, const TileArea& area, DepthRanges& ranges);
 
 /// Draws the triangles in order into a tile. passedSamples counts visible pixels for each occlusion slot.
-void drawTile(const PassDescription& pass, const TileArea& area, DepthRanges& ranges,
+void drawTile(const PassDescription& pass, const TileArea& area, DepthRanges& ranges, const Draw* draws,
               const std::vector<Binned>& triangles);
 
 } // namespace softmetal::raster

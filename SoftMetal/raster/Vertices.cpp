@@ -51,7 +51,7 @@ void makePlan(const DrawState& state, const DrawCall& call, const VertexList& li
         const bool there = data && attribute.format != 0 && attribute.offset <= bytes;
         Fetch& f = plan.fetches[plan.count++];
         f.attribute = a;
-        f.format = formats::vertexFormatInfo(attribute.format);
+        f.format = attribute.info;
         f.data = there ? data + attribute.offset : nullptr;
         f.bytes = there ? bytes - attribute.offset : 0;
         f.stride = layout.stride;

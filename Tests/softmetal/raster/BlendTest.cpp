@@ -196,4 +196,36 @@ TEST_F(Blend, WriteMaskKeepsTheOthers)
     }
 }
 
+/// Values whose product with 255 lies in the middle of two steps, or so close that single precision cannot tell.
+TEST_F(Blend, StoresTheNearestOf256Steps)
+{
+    constexpr int Width = 2048, Height = 4;
+    std::vector<float> steps;
+    for (int i = 0; i < 255; ++i)
+        for (int nudge : {-1, 0, 1}) {
+            const float middle = static_cast<float>((i + 0.5) / 255);
+            steps.push_back(nudge == 0 ? middle : std::nextafter(middle, nudge < 0 ? 0.0f : 1.0f));
+        }
+    auto* d = rasterDescriptor("constantly", MTL::PixelFormatRGBA8Unorm);
+    d->colorAttachments()->object(0)->setBlendingEnabled(true); // one and zero: the source itself
+    auto* target = texture(Width, Height, MTL::PixelFormatRGBA8Unorm);
+    auto* e = encoder(target);
+    e->setRenderPipelineState(pipeline(d));
+    for (size_t i = 0; i < steps.size(); ++i) {
+        const double x = static_cast<double>(i) * 2;
+        const Value v = {steps[i], 1 - steps[i], 0.5f, 1};
+        put(e, MTL::PrimitiveTypeTriangle,
+            {atPixel(x, 0, Width, Height, v), atPixel(x + 2, 0, Width, Height, v), atPixel(x, 8, Width, Height, v)});
+    }
+    finish(e);
+    std::vector<uint8_t> bytes(Width * 4);
+    target->getBytes(bytes.data(), bytes.size(), MTL::Region(0, 0, Width, 1), 0);
+    for (size_t i = 0; i < steps.size(); ++i) {
+        const uint8_t* texel = bytes.data() + i * 8;
+        EXPECT_EQ(texel[0], std::lrint(static_cast<double>(steps[i]) * 255)) << steps[i];
+        EXPECT_EQ(texel[1], std::lrint(static_cast<double>(1 - steps[i]) * 255)) << 1 - steps[i];
+        EXPECT_EQ(texel[2], 128) << "the middle goes to the even step";
+    }
+}
+
 } // namespace raster_test
