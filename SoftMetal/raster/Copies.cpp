@@ -102,11 +102,14 @@ int64_t runOfTexels(const abi::Plane& plane, float start, uint32_t first, uint32
     const float place = valueAlong(plane.origin, plane.dx, start, first);
     if (!inside(place, size)) return -1;
     const auto texel = static_cast<uint32_t>(place);
-    for (uint32_t x = first + 1; x < end; ++x) {
-        const float next = valueAlong(plane.origin, plane.dx, start, x);
-        if (!inside(next, size) || static_cast<uint32_t>(next) != texel + (x - first)) return -1;
+    if (end - first > size - texel) return -1;
+    int32_t apart = 0; // counted without a way out, which makes a loop of vectors
+    for (uint32_t i = 0; i < end - first; ++i) {
+        const float next = valueAlong(plane.origin, plane.dx, start, first + i),
+                    least = static_cast<float>(static_cast<int32_t>(texel + i));
+        apart |= !(next >= least) | !(next < least + 1);
     }
-    return texel;
+    return apart ? -1 : static_cast<int64_t>(texel);
 }
 
 /// Texel rows of the box's pixel rows; false when one lies outside.
@@ -159,7 +162,8 @@ uint8_t* rowOf(const Target& target, uint32_t y)
 bool mayCopy(const PassDescription& pass, const DrawState& state)
 {
     const Pipeline& pipeline = *state.pipeline;
-    if (pipeline.copiedTexture < 0 || pipeline.alphaToOne || pipeline.colorOutputs != 1 || state.visibilityMode != 0) return false;
+    if (pipeline.copiedTexture < 0 || pipeline.alphaToOne || pipeline.colorOutputs != 1 || state.visibilityMode != 0)
+        return false;
     const BlendState& b = pipeline.blend[0];
     const abi::Texture* from = sourceOf(state);
     const abi::Texture* to = pass.color[0].texture;
