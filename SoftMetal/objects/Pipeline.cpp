@@ -149,6 +149,8 @@ void takeFragment(raster::Pipeline& pipeline, const FunctionReflection& fragment
     pipeline.readsDepth = fragment.readsDepth;
     pipeline.readsInverseW = fragment.readsInverseW;
     pipeline.readsW = fragment.readsW;
+    pipeline.copiedTexture = fragment.copiedTexture;
+    std::copy_n(fragment.copiedPlanes, 2, pipeline.copiedPlanes);
 }
 
 std::shared_ptr<shader::Function> functionOf(const ObjectRef& object) { return object ? static_cast<FunctionObject*>(object.get())->function : nullptr; }

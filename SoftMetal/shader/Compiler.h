@@ -112,6 +112,8 @@ struct FunctionReflection
     bool usesPointCoord = false;
     bool earlyFragmentTests = false;
     bool readsDepth = false, readsInverseW = false, readsW = false; // fragment: FragmentInput's z, invW and w
+    int32_t copiedTexture = -1;    // fragment: the texture of which it does nothing but copy texels to colour 0, or -1
+    uint32_t copiedPlanes[2] = {}; // the inputs that give their places, in pixels
     uint32_t inputComponents = 0; // fragment: length of FragmentInput::planes; vertex: number of output components
 };
 

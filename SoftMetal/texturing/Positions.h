@@ -61,6 +61,30 @@ template <uint32_t W> SOFTMETAL_INLINE bool roundable(Float<W> v)
     return all<W>((vectors::bitsOf<W>(v) & 0x7FFFFFFF) < 0x4A800000); // the bits of 2^22; not-a-number has greater ones
 }
 
+/// A coordinate's product with a scale below 4096, as two floats whose sum it is: the coordinate's upper and lower twelve
+/// digits give products of at most 24.
+template <uint32_t W> struct Product
+{
+    Float<W> upper, lower, sum; // the sum is rounded
+
+    SOFTMETAL_INLINE Product(Float<W> coordinate, uint32_t scale)
+    {
+        const Float<W> first = vectors::floatOf<W>(vectors::bitsOf<W>(coordinate) & ~0xFFF);
+        upper = first * static_cast<float>(scale);
+        lower = (coordinate - first) * static_cast<float>(scale);
+        sum = upper + lower;
+    }
+
+    /// From 2 to 2^22 in size: then upper, less a whole number near the sum and with one more or half of one, is exact.
+    SOFTMETAL_INLINE bool splits() const
+    {
+        const Int<W> size = vectors::bitsOf<W>(sum) & 0x7FFFFFFF;
+        return all<W>((size >= 0x40000000) & (size < 0x4A800000));
+    }
+};
+
+constexpr uint32_t LeastUnsplit = 4096;
+
 /// The texel that a coordinate lies in.
 template <uint32_t W> SOFTMETAL_INLINE Int<W> texelOf(Float<W> coordinate, uint32_t scale)
 {
@@ -70,13 +94,21 @@ template <uint32_t W> SOFTMETAL_INLINE Int<W> texelOf(Float<W> coordinate, uint3
             Int<W> whole = __builtin_convertvector(v, Int<W>); // towards zero
             return whole + (v < __builtin_convertvector(whole, Float<W>));
         }
+    } else if (scale < LeastUnsplit) {
+        const Product<W> v(coordinate, scale);
+        if (v.splits()) [[likely]] {
+            Int<W> whole = __builtin_convertvector(v.sum, Int<W>);
+            const Float<W> left = v.upper - __builtin_convertvector(whole, Float<W>);
+            whole += left + v.lower < 0.0f;
+            return whole - ((left - 1.0f) + v.lower >= 0.0f);
+        }
     }
     return anyPosition<W>(coordinate, scale, 0).whole;
 }
 
 /// The first of the two texels between whose centres a coordinate lies, and the second one's weight. For a scale that is a
 /// power of two the product is exact, and so is its distance d from the nearest whole number; d + 0.5 is rounded once, as the
-/// double is.
+/// double is. For another scale the one rounding is the last sum with the product's lower part.
 template <uint32_t W> SOFTMETAL_INLINE Position<W> betweenTexels(Float<W> coordinate, uint32_t scale)
 {
     if ((scale & (scale - 1)) == 0) {
@@ -85,6 +117,14 @@ template <uint32_t W> SOFTMETAL_INLINE Position<W> betweenTexels(Float<W> coordi
             Float<W> sum = v + Rounder, d = v - (sum - Rounder), zero = {};
             Int<W> tie = d == 0.5f; // the even number lay below, and the texel's centre is met
             return {vectors::bitsOf<W>(sum) - (RounderBits + 1) - tie, tie ? zero : d + 0.5f};
+        }
+    } else if (scale < LeastUnsplit) {
+        const Product<W> v(coordinate, scale);
+        if (v.splits()) [[likely]] {
+            const Float<W> sum = v.sum + Rounder, left = (v.upper - (sum - Rounder)) + 0.5f;
+            const Float<W> rest = left + v.lower, less = (left - 1.0f) + v.lower, more = (left + 1.0f) + v.lower;
+            const Int<W> below = rest < 0.0f, beyond = less >= 0.0f; // the sum was rounded to the wrong side
+            return {vectors::bitsOf<W>(sum) - (RounderBits + 1) + below - beyond, beyond ? less : below ? more : rest};
         }
     }
     return anyPosition<W>(coordinate, scale, 0.5);

@@ -336,6 +336,21 @@ bool hasFootprint(const SampleCall& call) { return call.lodMode == LodMode::Grad
 
 bool choosesLevel(const Sampler& sampler) { return sampler.mipFilter != MipNone || sampler.minFilter != sampler.magFilter || sampler.maxAnisotropy > 1; }
 
+/// Of the best set of instructions, by lanes.
+struct Kernels
+{
+    SampleLanes four, eight, sixteen;
+};
+
+const Kernels& chosenKernels()
+{
+    static const Kernels kernels = [] {
+        const auto made = vectors::pick(base::sampleLanesFor, avx2::sampleLanesFor, avx512::sampleLanesFor);
+        return Kernels{made(4), made(8), made(16)};
+    }();
+    return kernels;
+}
+
 /// Takes the call when it is of a kind that all lanes can do at once.
 bool sampledAtOnce(const Texture& texture, const Access& access, const Sampler& sampler, SampleCall& call)
 {
@@ -350,9 +365,8 @@ bool sampledAtOnce(const Texture& texture, const Access& access, const Sampler& 
         const uint8_t from = texture.swizzle[c];
         job.order[c] = access.format->bgra && (from == Red || from == Blue) ? Red + Blue - from : from;
     }
-    static const auto kernels = vectors::pick(base::sampleLanesFor, avx2::sampleLanesFor, avx512::sampleLanesFor);
-    static const SampleLanes four = kernels(4), eight = kernels(8), sixteen = kernels(16);
-    (call.mask > 0xFF ? sixteen : call.mask > 0xF ? eight : four)(job, call);
+    const Kernels& kernels = chosenKernels();
+    (call.mask > 0xFF ? kernels.sixteen : call.mask > 0xF ? kernels.eight : kernels.four)(job, call);
     return true;
 }
 

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "texturing/SamplingKernel.h"
+#include "vectors/Bytes.h"
 #include "vectors/Halves.h"
 
 namespace softmetal::texturing {
@@ -86,50 +87,10 @@ template <uint32_t W> SOFTMETAL_INLINE Colors<W> gatherFloats(const uint8_t* fro
 
 // ---- eight bits a channel ---------------------------------------------------------------------------------------------------
 
-// A byte n three times over is N = 0x010101 n, and n / 255 = N / (2^24 - 1): in binary N after the point, repeated without
-// end. The quotient's 24 digits are N's, and what follows begins with a one: it rounds up to N / 2^24 and one in the last place.
-constexpr int32_t OneUpAndDown24 = 1 - (24 << 23);
-constexpr float quotient255(int32_t n)
-{
-    const int32_t bits = __builtin_bit_cast(int32_t, static_cast<float>(n * 0x010101)) + OneUpAndDown24;
-    return __builtin_bit_cast(float, bits > 0 ? bits : 0);
-}
-constexpr bool isTheQuotient()
-{
-    for (int32_t n = 0; n < 256; ++n)
-        if (quotient255(n) != static_cast<float>(n) / 255.0f) return false;
-    return true;
-}
-static_assert(isTheQuotient());
-
-/// Byte number byte of each word, three times over.
-template <uint32_t W> SOFTMETAL_INLINE Int<W> thrice(Int<W> words, int byte)
-{
-#if defined(__AVX512BW__) || defined(__AVX2__)
-    const Int<W> pattern = (((vectors::laneNumbers<W>() & 3) * 4 + byte) * 0x010101) | static_cast<int32_t>(0x80000000);
-#endif
-#if defined(__AVX512BW__)
-    if constexpr (W == 16) return reinterpret_cast<Int<W>>(_mm512_shuffle_epi8(reinterpret_cast<__m512i>(words), reinterpret_cast<__m512i>(pattern)));
-#endif
-#if defined(__AVX2__)
-    if constexpr (W == 8) return reinterpret_cast<Int<W>>(_mm256_shuffle_epi8(reinterpret_cast<__m256i>(words), reinterpret_cast<__m256i>(pattern)));
-    if constexpr (W == 4) return reinterpret_cast<Int<W>>(_mm_shuffle_epi8(reinterpret_cast<__m128i>(words), reinterpret_cast<__m128i>(pattern)));
-#endif
-    Int<W> n = (words >> (8 * byte)) & 0xFF;
-    n |= n << 8;
-    return n | (n << 8 & 0xFF0000);
-}
-
-template <uint32_t W> SOFTMETAL_INLINE Float<W> unorm8(Int<W> words, int byte)
-{
-    Int<W> bits = vectors::bitsOf<W>(__builtin_convertvector(thrice<W>(words, byte), Float<W>)) + OneUpAndDown24;
-    return vectors::floatOf<W>(bits > 0 ? bits : Int<W>{});
-}
-
 /// In the order of the bytes.
 template <uint32_t W> SOFTMETAL_INLINE Colors<W> bytesToColors(Int<W> words)
 {
-    return {{unorm8<W>(words, 0), unorm8<W>(words, 1), unorm8<W>(words, 2), unorm8<W>(words, 3)}};
+    return {{vectors::unorm8<W>(words, 0), vectors::unorm8<W>(words, 1), vectors::unorm8<W>(words, 2), vectors::unorm8<W>(words, 3)}};
 }
 
 // ---- other formats ------------------------------------------------------------------------------------------------------------
@@ -143,8 +104,8 @@ template <uint32_t W> SOFTMETAL_INLINE Colors<W> gatherOther(uint32_t format, co
     using vectors::fromHalves;
     const Float<W> none = {}, one = none + 1.0f;
     switch (format) {
-    case numbers::A8: return {{none, none, none, unorm8<W>(gatherSmall<W, uint8_t>(from, offsets), 0)}};
-    case numbers::R8: return {{unorm8<W>(gatherSmall<W, uint8_t>(from, offsets), 0), none, none, one}};
+    case numbers::A8: return {{none, none, none, vectors::unorm8<W>(gatherSmall<W, uint8_t>(from, offsets), 0)}};
+    case numbers::R8: return {{vectors::unorm8<W>(gatherSmall<W, uint8_t>(from, offsets), 0), none, none, one}};
     case numbers::R16Float: return {{fromHalves<W>(gatherSmall<W, uint16_t>(from, offsets)), none, none, one}};
     case numbers::Depth16: return {{__builtin_convertvector(gatherSmall<W, uint16_t>(from, offsets), Float<W>) / 65535.0f, none, none, one}};
     case numbers::Rgba16Float: {

@@ -5,6 +5,7 @@
 #include "shader/Intrinsics.h"
 #include "shader/codegen/Codegen.h"
 #include "shader/frontend/Checks.h"
+#include "shader/frontend/Copying.h"
 #include "shader/frontend/LargeStack.h"
 #include "shader/frontend/Program.h"
 
@@ -214,6 +215,7 @@ private:
         if (error = leftOver(*module); !error.empty()) return nullptr;
         FunctionReflection reflection = reflect(program, *entry, &constants);
         noteUses(*module, reflection);
+        noteCopying(*module, reflection);
         return std::make_shared<FunctionImplementation>(shared_, std::move(module), std::move(reflection), generator_,
                                                         times);
     }

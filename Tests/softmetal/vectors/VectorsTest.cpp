@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 // The operations of the inner loops, each beside its meaning lane by lane.
-#include "vectors/Vectors.h"
+#include "vectors/Bytes.h"
 
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cmath>
+#include <vector>
 
 namespace {
 
@@ -61,6 +63,43 @@ TYPED_TEST(Vectors, RowsAreReadAndWrittenApart)
     for (uint32_t i = 0; i < W; ++i) EXPECT_EQ(v[i], static_cast<int32_t>((i + W / 2) % W));
     storeRows<W>(bytes, bytes + W * 2, v);
     for (uint32_t i = 0; i < W; ++i) EXPECT_EQ(memory[i], static_cast<int32_t>((i + W / 2) % W));
+}
+
+TYPED_TEST(Vectors, BytesBecomeFractionsAsDivisionGives)
+{
+    constexpr uint32_t W = TypeParam::value;
+    for (int32_t n = 0; n < 256; ++n)
+        for (int byte = 0; byte < 4; ++byte) {
+            const auto words =
+                static_cast<int32_t>(static_cast<uint32_t>(n) << (8 * byte) | (0xA5A5A5A5u & ~(0xFFu << (8 * byte))));
+            const Float<W> got = unorm8<W>(Int<W>{} + words, byte);
+            for (uint32_t i = 0; i < W; ++i)
+                ASSERT_EQ(got[i], static_cast<float>(n) / 255.0f) << n;
+        }
+}
+
+TYPED_TEST(Vectors, FractionsBecomeBytesAsDoublesRound)
+{
+    constexpr uint32_t W = TypeParam::value;
+    std::vector<float> values;
+    for (int n = 0; n <= 510; ++n) { // bytes and the halves between them, with their neighbours
+        const auto near = static_cast<float>(n / 510.0);
+        for (float v : {near, std::nextafter(near, 0.0f), std::nextafter(near, 1.0f)})
+            values.push_back(v);
+    }
+    for (uint32_t i = 0; i < 50000; ++i)
+        values.push_back(static_cast<float>(i * 2654435761u >> 8) * 0x1p-24f);
+    for (size_t at = 0; at + 4 <= values.size(); at += 4) {
+        Float<W> lanes[4];
+        for (size_t c = 0; c < 4; ++c)
+            for (uint32_t i = 0; i < W; ++i)
+                lanes[c][i] = values[(at + c + i) % values.size()];
+        const FourBytes<W> got = exactBytes<W>(lanes);
+        for (size_t c = 0; c < 4; ++c)
+            for (uint32_t i = 0; i < W; ++i)
+                ASSERT_EQ(got.c[c][i], static_cast<int32_t>(std::nearbyint(static_cast<double>(lanes[c][i]) * 255.0)))
+                    << std::hexfloat << lanes[c][i];
+    }
 }
 
 } // namespace
