@@ -4,6 +4,7 @@
 #include "shader/frontend/Attributes.h"
 #include "shader/frontend/Checks.h"
 #include "shader/frontend/ClangHeaders.h"
+#include "shader/frontend/Limits.h"
 #include "shader/frontend/Literals.h"
 #include "shader/frontend/Messages.h"
 #include "shader/frontend/Program.h"
@@ -229,41 +230,6 @@ public:
     }
 };
 
-/// Lets the source end where it, or one statement of it, has grown past any sensible length, whatever macros made it
-/// grow: clang calls itself for each level of nesting, and takes ever longer.
-class LengthLimit
-{
-public:
-    explicit LengthLimit(clang::Preprocessor& preprocessor) : preprocessor_(preprocessor) {}
-
-    void operator()(const clang::Token& token)
-    {
-        if (token.isAnnotation() || token.is(clang::tok::eof)) return;
-        ++tokens_;
-        ++since_;
-        if (token.isOneOf(clang::tok::semi, clang::tok::comma, clang::tok::l_brace, clang::tok::r_brace)) since_ = 0;
-        if (!over_ && tokens_ > MostTokens) stop(token, "the program is longer than %0 tokens", MostTokens);
-        if (!over_ && since_ > MostInARow) stop(token, "a statement is longer than %0 tokens", MostInARow);
-        if (over_) const_cast<clang::Token&>(token).setKind(clang::tok::eof); // the preprocessor's own, just made
-    }
-
-private:
-    static constexpr unsigned MostTokens = 250000, MostInARow = 8192;
-
-    template <unsigned Length>
-    void stop(const clang::Token& token, const char (&words)[Length], unsigned limit)
-    {
-        over_ = true;
-        clang::DiagnosticsEngine& diagnostics = preprocessor_.getDiagnostics();
-        diagnostics.Report(token.getLocation(), diagnostics.getCustomDiagID(clang::DiagnosticsEngine::Fatal, words))
-            << limit;
-    }
-
-    clang::Preprocessor& preprocessor_;
-    unsigned tokens_ = 0, since_ = 0; // since the last that parts statements or arguments
-    bool over_ = false;
-};
-
 class CompileAction final : public clang::EmitLLVMOnlyAction
 {
 public:
@@ -275,7 +241,7 @@ protected:
     bool BeginSourceFileAction(clang::CompilerInstance& instance) override
     {
         instance.getPreprocessor().AddPragmaHandler("clang", new NoDebugging); // in the place of clang's own
-        instance.getPreprocessor().setTokenWatcher(LengthLimit(instance.getPreprocessor()));
+        limitSource(instance);
         return EmitLLVMOnlyAction::BeginSourceFileAction(instance);
     }
 
@@ -340,11 +306,19 @@ std::unique_ptr<Program> parse(std::string_view source, const CompileOptions& op
     program->context = std::make_unique<llvm::LLVMContext>();
     AttributeTable attributes;
     auto instance = makeInstance(programFiles(text), arguments, messages);
-    CompileAction action(program->context.get(), attributes, *program);
+    auto action = std::make_unique<CompileAction>(program->context.get(), attributes, *program);
     collectAttributes(&attributes);
-    bool done = instance->ExecuteAction(action);
+    bool done = false;
+    try {
+        done = instance->ExecuteAction(*action);
+    } catch (const MacroLimitReached&) { // in the midst of clang, which cannot be taken down then
+        static_cast<void>(instance.release());
+        static_cast<void>(action.release());
+        static_cast<void>(program.release());
+    }
     collectAttributes(nullptr);
-    program->module = action.takeModule();
+    if (!program) return nullptr;
+    program->module = action->takeModule();
     bool failed = !done || instance->getDiagnostics().hasErrorOccurred() || !program->module;
     if (failed || !checkModule(*program, messages)) return nullptr;
     return program;

@@ -5,7 +5,9 @@
 
 #include <array>
 #include <fstream>
+#include <functional>
 
+#include <sys/resource.h>
 #include <unistd.h>
 
 namespace device_test
@@ -172,6 +174,99 @@ TEST_F(HostileSource, MayBeNestedDeeply)
         messagesOf(repeated(depth, "#if 1\n"));
     }
     EXPECT_EQ(messagesOf("constant int used = 1;\n"), "");
+}
+
+struct GrowthRow
+{
+    const char* what;
+    std::string source;
+    const char* words; // of the error
+};
+
+/// A macro for each level, whose text is the next one twice.
+std::string doubled(const std::string& between, const std::string& last)
+{
+    std::string text;
+    for (int i = 0; i < 40; ++i) {
+        const std::string next = "A" + std::to_string(i + 1);
+        text += "#define A" + std::to_string(i) + " " + next + between + next + "\n";
+    }
+    return text + "#define A40 " + last + "\n";
+}
+
+std::vector<GrowthRow> growths()
+{
+    constexpr const char* Macros = "macros are expanded to more than 1000000 tokens";
+    constexpr const char* Nested = "statements are nested more than 1024 levels deep";
+    const std::string many = repeated(3000, "x ");
+    return {
+        {"arguments in arguments", "#define F(x) x x\nint a = " + repeated(40, "F(") + "1" + repeated(40, ")") + ";\n",
+         Macros},
+        {"names put together",
+         "#define NAME(a, b) a##b\n#define AB(x) x x x x\nint a = " + repeated(30, "NAME(A, B)(") + "1" +
+             repeated(30, ")") + ";\n",
+         Macros},
+        {"a long argument in many places", "#define F(x) " + many + "\nint a = F(" + repeated(9000, "1 ") + ");\n",
+         Macros},
+        {"a short argument that grows, in many places",
+         "#define G(x) x x x x x x x x\n#define F(x) " + many + "\nint a = F(G(G(G(G(G(1))))));\n", Macros},
+        {"macros of nothing", doubled(" ", "") + "A0 int a;\n", Macros},
+        {"macros in macros", doubled(" + ", "1") + "int a = A0;\n", "a statement is longer than 8192 tokens"},
+        {"else if", "int f(int x) { " + repeated(50000, "if (x == 1) return 2; else ") + "return 1; }\n", Nested},
+        {"else if with braces", "int f(int x) { " + repeated(50000, "if (x == 1) { ++x; } else ") + "{} return x; }\n",
+         Nested},
+        {"loops without end", "void f() { " + repeated(50000, "for (;;) ") + "; }\n", Nested},
+        {"conditions with commas", "void f(int x) { " + repeated(50000, "if ((x, x)) ") + "; }\n", Nested},
+        {"blocks of chains",
+         "void f(int x) { " + repeated(900, repeated(20, "if (x) x; else ") + "{") + repeated(900, "}") + " }\n",
+         Nested},
+    };
+}
+
+TEST_F(HostileSource, EndsWhereItGrowsPastMeasure)
+{
+    for (const GrowthRow& row : growths()) {
+        SCOPED_TRACE(row.what);
+        std::string messages = messagesOf(row.source);
+        EXPECT_TRUE(refused);
+        EXPECT_NE(messages.find(row.words), std::string::npos) << messages;
+    }
+    EXPECT_EQ(messagesOf("constant int used = 1;\n"), "");
+}
+
+TEST_F(HostileSource, MayBeLongWithinMeasure)
+{
+    EXPECT_EQ(messagesOf("int f(int x) { " + repeated(1000, "if (x == 1) return 2; else ") + "return 1; }\n"), "");
+    EXPECT_EQ(messagesOf("int f(int x) { " + repeated(5000, "if (x == 1) x = 2; else x = 3; ") + "return x; }\n"), "");
+    EXPECT_EQ(
+        messagesOf("int f(int x) { " + repeated(3000, "for (int i = 0; i < x; ++i) { x += i; } ") + "return x; }\n"),
+        "");
+    EXPECT_EQ(messagesOf("#define TWICE(x) x, x\nconstant int t[] = {TWICE(TWICE(TWICE(1))), " +
+                         repeated(9000, "TWICE(2), ") + "3};\n"),
+              "");
+}
+
+/// Leaves the process: 0 when it holds with so many bytes of address space beyond what there is.
+[[noreturn]] void leaveWithin(rlim_t bytes, const std::function<bool()>& holds)
+{
+    size_t pages = 0;
+    std::ifstream("/proc/self/statm") >> pages;
+    const rlim_t limit = pages * static_cast<rlim_t>(sysconf(_SC_PAGESIZE)) + bytes;
+    rlimit both{};
+    both.rlim_cur = both.rlim_max = limit;
+    const bool limited = setrlimit(RLIMIT_AS, &both) == 0;
+    _exit(limited && holds() ? 0 : 1);
+}
+
+TEST_F(HostileSource, MacrosTakeNoMoreMemoryThanThereIs)
+{
+    testing::GTEST_FLAG(death_test_style) = "threadsafe"; // a process of its own from the start
+    auto holds = [&] {
+        for (const GrowthRow& row : growths())
+            if (messagesOf(row.source).find(row.words) == std::string::npos) return false;
+        return true;
+    };
+    EXPECT_EXIT(leaveWithin(rlim_t{3} << 30, holds), testing::ExitedWithCode(0), "");
 }
 
 TEST_F(HostileSource, MayRecurseInTemplatesAndConstants)
