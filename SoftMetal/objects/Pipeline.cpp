@@ -149,6 +149,7 @@ void takeFragment(raster::Pipeline& pipeline, const FunctionReflection& fragment
     pipeline.readsDepth = fragment.readsDepth;
     pipeline.readsInverseW = fragment.readsInverseW;
     pipeline.readsW = fragment.readsW;
+    pipeline.writesMemory = fragment.writesMemory;
 }
 
 std::shared_ptr<shader::Function> functionOf(const ObjectRef& object) { return object ? static_cast<FunctionObject*>(object.get())->function : nullptr; }

@@ -76,6 +76,7 @@ struct Pipeline
     bool writesDepth = false, writesStencil = false, writesCoverage = false, discards = false, usesPointCoord = false,
          earlyTests = false;
     bool readsDepth = true, readsInverseW = true, readsW = true; // of FragmentInput: z, invW, w
+    bool writesMemory = true; // the fragment function may write buffers or textures
     uint32_t colorFormats[abi::MaxColorOutputs] = {}; // MTL::PixelFormat
     BlendState blend[abi::MaxColorOutputs];
     bool alphaToOne = false; // the alpha of colour 0 is one, whatever the fragment function says

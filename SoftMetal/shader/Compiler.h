@@ -112,6 +112,7 @@ struct FunctionReflection
     bool usesPointCoord = false;
     bool earlyFragmentTests = false;
     bool readsDepth = false, readsInverseW = false, readsW = false; // fragment: FragmentInput's z, invW and w
+    bool writesMemory = false; // buffers or textures, or may
     uint32_t inputComponents = 0; // fragment: length of FragmentInput::planes; vertex: number of output components
 };
 

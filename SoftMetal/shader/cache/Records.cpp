@@ -44,10 +44,12 @@ void fields(Stream& stream, FunctionReflection& record)
 {
     auto& [name, stage, attributes, varyings, bindings, constants, hasPosition, pointSizeComponent, clipComponent,
            clipDistances, colorOutputs, colorTypes, colorComponents, writesDepth, writesStencil, writesCoverage,
-           discards, usesPointCoord, earlyFragmentTests, readsDepth, readsInverseW, readsW, inputComponents] = record;
+           discards, usesPointCoord, earlyFragmentTests, readsDepth, readsInverseW, readsW, writesMemory,
+           inputComponents] = record;
     stream(name, stage, attributes, varyings, bindings, constants, hasPosition, pointSizeComponent, clipComponent,
            clipDistances, colorOutputs, colorTypes, colorComponents, writesDepth, writesStencil, writesCoverage,
-           discards, usesPointCoord, earlyFragmentTests, readsDepth, readsInverseW, readsW, inputComponents);
+           discards, usesPointCoord, earlyFragmentTests, readsDepth, readsInverseW, readsW, writesMemory,
+           inputComponents);
 }
 
 template <class Stream>
