@@ -42,6 +42,7 @@ Counters counters()
     result.pipelines = from.pipelines;
     result.pipelineMilliseconds = static_cast<double>(from.pipelineNanoseconds) * 1e-6;
     result.bytesUploaded = from.bytesUploaded;
+    result.trianglesHidden = from.trianglesHidden;
     result.objects = objectsAlive();
     return result;
 }

@@ -11,6 +11,7 @@ namespace softmetal::inspect {
 struct Counters
 {
     std::atomic<uint64_t> draws{0}, passes{0}, commandBuffers{0}, pipelines{0}, pipelineNanoseconds{0}, bytesUploaded{0};
+    std::atomic<uint64_t> trianglesHidden{0};
 };
 
 inline Counters counters;

@@ -151,6 +151,7 @@ void takeFragment(raster::Pipeline& pipeline, const FunctionReflection& fragment
     pipeline.readsW = fragment.readsW;
     pipeline.copiedTexture = fragment.copiedTexture;
     std::copy_n(fragment.copiedPlanes, 2, pipeline.copiedPlanes);
+    pipeline.writesMemory = fragment.writesMemory;
 }
 
 std::shared_ptr<shader::Function> functionOf(const ObjectRef& object) { return object ? static_cast<FunctionObject*>(object.get())->function : nullptr; }

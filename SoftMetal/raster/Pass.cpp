@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "raster/Pass.h"
 
+#include "inspect/Counters.h"
 #include "raster/Primitives.h"
 #include "raster/Tiles.h"
 #include "workers/Pool.h"
@@ -42,7 +43,7 @@ public:
     explicit PassImplementation(const PassDescription& description)
         : pass_(description), tilesX_((description.width + TileSize - 1) / TileSize),
           tilesY_((description.height + TileSize - 1) / TileSize), bins_(static_cast<size_t>(tilesX_) * tilesY_),
-          ranges_(description.depth.texture ? bins_.size() : 1)
+          touched_(bins_.size()), ranges_(description.depth.texture ? bins_.size() : 1)
     {}
 
     void draw(const DrawState& state, const DrawCall& call)
@@ -88,12 +89,12 @@ private:
         for (size_t i = 0; i < parts.size(); ++i)
             before[i] = stores_[i]->triangles.size();
         if (parts.size() == 1) {
-            if (!continues(state, parts[0])) draws_.push_back(drawOf(state, parts[0].primitive, *stores_[0]));
+            if (!continues(state, parts[0])) addDraw(state, parts[0], *stores_[0]);
             setUp(parts[0], pass_.width, pass_.height, depthFormat, draws_.back());
         } else {
             const size_t begin = draws_.size();
             for (size_t i = 0; i < parts.size(); ++i)
-                draws_.push_back(drawOf(state, parts[i].primitive, *stores_[i]));
+                addDraw(state, parts[i], *stores_[i]);
             workers::parallelFor(parts.size(), [&](size_t i) {
                 setUp(parts[i], pass_.width, pass_.height, depthFormat, draws_[begin + i]);
             });
@@ -101,6 +102,12 @@ private:
         for (size_t i = 0; i < parts.size(); ++i)
             bin(draws_.size() - parts.size() + i, before[i]);
         if (held_ > MostTriangles) flush();
+    }
+
+    void addDraw(const DrawState& state, const DrawCall& call, Store& store)
+    {
+        draws_.push_back(drawOf(state, call.primitive, store));
+        noteHiding(pass_, draws_.back());
     }
 
     /// Whether the last draw can take the call's triangles too: then a tile need not begin anew with them.
@@ -144,23 +151,42 @@ private:
             for (uint32_t y = t.minY / TileSize; y <= t.maxY / TileSize; ++y)
                 for (uint32_t x = t.minX / TileSize; x <= t.maxX / TileSize; ++x) {
                     const size_t tile = static_cast<size_t>(y) * tilesX_ + x;
-                    if (bins_[tile].empty()) filled_.push_back(tile);
+                    if (bins_[tile].empty())
+                        filled_.push_back(tile);
+                    else if (draws_[draw].hides != 0)
+                        hide(draws_[draw], t, tile);
+                    touched_[tile] |= draws_[draw].touches;
                     bins_[tile].push_back(binned);
                 }
         }
+    }
+
+    /// Empties the tile when the triangle, which comes next, covers all that the others would do there.
+    void hide(const Draw& draw, const Triangle& triangle, size_t tile)
+    {
+        if ((touched_[tile] & ~draw.hides) != 0 || !covers(triangle, areaOf(tile))) return;
+        inspect::count(inspect::counters.trianglesHidden, bins_[tile].size());
+        bins_[tile].clear();
+        touched_[tile] = 0;
+    }
+
+    TileArea areaOf(size_t tile) const
+    {
+        const auto x = static_cast<uint32_t>(tile % tilesX_) * TileSize,
+                   y = static_cast<uint32_t>(tile / tilesX_) * TileSize;
+        return {x, y, std::min(x + TileSize, pass_.width), std::min(y + TileSize, pass_.height)};
     }
 
     void flush()
     {
         const bool first = !cleared_ && clears(pass_);
         auto work = [&](size_t tile) {
-            auto x = static_cast<uint32_t>(tile % tilesX_) * TileSize,
-                 y = static_cast<uint32_t>(tile / tilesX_) * TileSize;
-            TileArea area{x, y, std::min(x + TileSize, pass_.width), std::min(y + TileSize, pass_.height)};
+            const TileArea area = areaOf(tile);
             DepthRanges& ranges = ranges_[pass_.depth.texture ? tile : 0];
             if (first) clearTile(pass_, area, ranges);
             drawTile(pass_, area, ranges, draws_.data(), bins_[tile]);
             bins_[tile].clear();
+            touched_[tile] = 0;
         };
         // Tiles without a triangle are left alone, and a single one is drawn before another thread would have woken up.
         if (first)
@@ -181,6 +207,7 @@ private:
     PassDescription pass_;
     uint32_t tilesX_, tilesY_;
     std::vector<std::vector<Binned>> bins_;
+    std::vector<uint32_t> touched_;   // by what each bin holds: see Draw
     std::vector<DepthRanges> ranges_; // of each tile; without a depth buffer one that nobody touches
     std::vector<size_t> filled_;      // tiles whose bins hold something
     std::vector<Draw> draws_;

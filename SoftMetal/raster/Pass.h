@@ -78,6 +78,7 @@ struct Pipeline
     bool readsDepth = true, readsInverseW = true, readsW = true; // of FragmentInput: z, invW, w
     int32_t copiedTexture = -1;    // the fragment function does nothing but copy this texture's texels to colour 0
     uint32_t copiedPlanes[2] = {}; // the inputs that give their places, in pixels
+    bool writesMemory = true; // the fragment function may write buffers or textures
     uint32_t colorFormats[abi::MaxColorOutputs] = {}; // MTL::PixelFormat
     BlendState blend[abi::MaxColorOutputs];
     bool alphaToOne = false; // the alpha of colour 0 is one, whatever the fragment function says

@@ -37,6 +37,9 @@ struct Draw
     Store* store;
     uint32_t planesEach;
     bool points;
+    uint32_t hides = 0;           // colours that it replaces wherever it covers
+    uint32_t touches = Lasting;   // colours that it changes, or Lasting: it must be drawn, whatever comes over it
+    static constexpr uint32_t Lasting = 1u << 31;
 };
 
 /// The draw of calls of one kind of primitive.

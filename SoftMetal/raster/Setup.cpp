@@ -194,7 +194,8 @@ const Geometry& geometry()
 Draw drawOf(const DrawState& state, uint8_t primitive, Store& store)
 {
     const bool points = primitive == Point;
-    return {&state, &store, 2 + static_cast<uint32_t>(state.pipeline->inputMap.size()) + points, points};
+    const auto inputs = static_cast<uint32_t>(state.pipeline->inputMap.size());
+    return {&state, &store, 2 + inputs + points, points};
 }
 
 void setUp(const DrawCall& call, uint32_t width, uint32_t height, uint32_t depthFormat, const Draw& draw)

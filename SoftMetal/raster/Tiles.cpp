@@ -105,6 +105,46 @@ void clearTile(const PassDescription& pass, const TileArea& area, DepthRanges& r
     if (pass.stencil.texture && pass.stencil.loadAction == LoadClear) clearDepthStencil(pass.stencil, area, false);
 }
 
+void noteHiding(const PassDescription& pass, Draw& draw)
+{
+    constexpr uint8_t Always = 7, AllChannels = 15;
+    const DrawState& state = *draw.state;
+    const Pipeline& pipeline = *state.pipeline;
+    const bool stencil = pass.stencil.texture && state.depthStencil.stencilEnabled;
+    const bool writesDepth = pass.depth.texture && state.depthStencil.depthWrite;
+    const bool always = !stencil && (!pass.depth.texture || state.depthStencil.depthCompare == Always) &&
+                        !pipeline.discards && !pipeline.writesCoverage;
+    uint32_t written = 0, replaced = 0;
+    for (uint32_t i = 0; pipeline.fragment && i < abi::MaxColorOutputs; ++i) {
+        const BlendState& blend = pipeline.blend[i];
+        if (!(pipeline.colorOutputs >> i & 1) || !pass.color[i].texture || blend.writeMask == 0) continue;
+        written |= 1u << i;
+        if (!blend.enabled && blend.writeMask == AllChannels) replaced |= 1u << i;
+    }
+    const bool lasting =
+        stencil || writesDepth || state.visibilityMode != 0 || (pipeline.fragment && pipeline.writesMemory);
+    draw.hides = always ? replaced : 0;
+    draw.touches = lasting ? Draw::Lasting : written;
+}
+
+bool covers(const Triangle& t, const TileArea& area)
+{
+    if (t.minX > area.x0 || t.minY > area.y0 || t.maxX + 1u < area.x1 || t.maxY + 1u < area.y1) return false;
+    constexpr auto Half = static_cast<int32_t>(SubpixelScale / 2);
+    const int64_t stepsX = int64_t{area.x1 - area.x0 - 1} * SubpixelScale,
+                  stepsY = int64_t{area.y1 - area.y0 - 1} * SubpixelScale;
+    const int32_t left = static_cast<int32_t>(area.x0 << SubpixelBits) + Half,
+                  top = static_cast<int32_t>(area.y0 << SubpixelBits) + Half;
+    for (int from = 0; from < 3; ++from) {
+        const int to = from == 2 ? 0 : from + 1;
+        const int64_t a = t.y[from] - t.y[to], b = t.x[to] - t.x[from];
+        const int64_t first = -a * (t.x[from] - left) - b * (t.y[from] - top);
+        // On an edge only the upper and the left one are in: none is asked for here.
+        if (first + std::min<int64_t>(a * stepsX, 0) + std::min<int64_t>(b * stepsY, 0) <= 0) return false;
+    }
+    return true;
+}
+
 void drawTile(const PassDescription& pass, const TileArea& area, DepthRanges& ranges, const Draw* draws,
               const std::vector<Binned>& triangles)
 {

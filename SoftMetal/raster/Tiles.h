@@ -35,6 +35,12 @@ bool clears(const PassDescription& pass);
 /// Applies the pass's load actions to a tile.
 void clearTile(const PassDescription& pass, const TileArea& area, DepthRanges& ranges);
 
+/// Notes of a draw what it hides in this pass, and what must be there for something to hide it.
+void noteHiding(const PassDescription& pass, Draw& draw);
+
+/// Whether the triangle covers every pixel of the tile.
+bool covers(const Triangle& triangle, const TileArea& area);
+
 /// Draws the triangles in order into a tile. passedSamples counts visible pixels for each occlusion slot.
 void drawTile(const PassDescription& pass, const TileArea& area, DepthRanges& ranges, const Draw* draws,
               const std::vector<Binned>& triangles);

@@ -114,6 +114,7 @@ struct FunctionReflection
     bool readsDepth = false, readsInverseW = false, readsW = false; // fragment: FragmentInput's z, invW and w
     int32_t copiedTexture = -1;    // fragment: the texture of which it does nothing but copy texels to colour 0, or -1
     uint32_t copiedPlanes[2] = {}; // the inputs that give their places, in pixels
+    bool writesMemory = false; // buffers or textures, or may
     uint32_t inputComponents = 0; // fragment: length of FragmentInput::planes; vertex: number of output components
 };
 

@@ -258,6 +258,7 @@ struct Counters
     double pipelineMilliseconds; // spent on them, on functions and on libraries
     uint64_t
         bytesUploaded; // handed to new buffers and to replaceRegion; what is written into buffers directly is not seen
+    uint64_t trianglesHidden; // left out of a tile that an opaque one covers whole later in the pass
     int64_t objects;   // alive now, as objectsAlive tells
 };
 SOFTMETAL_API Counters counters();

@@ -20,7 +20,7 @@ namespace softmetal::shader
 namespace
 {
 
-constexpr uint64_t RecordVersion = 2; // raised when the records of the same build change their meaning
+constexpr uint64_t RecordVersion = 3; // raised when the records of the same build change their meaning
 constexpr uint64_t LargestNotes = 1 << 16;
 
 template <class T>

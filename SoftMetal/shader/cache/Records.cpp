@@ -45,11 +45,11 @@ void fields(Stream& stream, FunctionReflection& record)
     auto& [name, stage, attributes, varyings, bindings, constants, hasPosition, pointSizeComponent, clipComponent,
            clipDistances, colorOutputs, colorTypes, colorComponents, writesDepth, writesStencil, writesCoverage,
            discards, usesPointCoord, earlyFragmentTests, readsDepth, readsInverseW, readsW,
-           copiedTexture, copiedPlanes, inputComponents] = record;
+           copiedTexture, copiedPlanes, writesMemory, inputComponents] = record;
     stream(name, stage, attributes, varyings, bindings, constants, hasPosition, pointSizeComponent, clipComponent,
            clipDistances, colorOutputs, colorTypes, colorComponents, writesDepth, writesStencil, writesCoverage,
            discards, usesPointCoord, earlyFragmentTests, readsDepth, readsInverseW, readsW,
-           copiedTexture, copiedPlanes, inputComponents);
+           copiedTexture, copiedPlanes, writesMemory, inputComponents);
 }
 
 template <class Stream>

@@ -9,8 +9,11 @@
 #include "shader/frontend/LargeStack.h"
 #include "shader/frontend/Program.h"
 
+#include <llvm/Analysis/ValueTracking.h>
 #include <llvm/IR/Constants.h>
+#include <llvm/IR/InstIterator.h>
 #include <llvm/IR/Instructions.h>
+#include <llvm/IR/IntrinsicInst.h>
 #include <llvm/Transforms/Utils/Cloning.h>
 
 #include <chrono>
@@ -108,6 +111,26 @@ bool readsPerspective(const llvm::Module& module)
            });
 }
 
+/// Whether the instruction may change what other functions see.
+bool writes(const llvm::Instruction& instruction)
+{
+    auto isOwn = [](const llvm::Value* at) { return llvm::isa<llvm::AllocaInst>(llvm::getUnderlyingObject(at)); };
+    if (const auto* store = llvm::dyn_cast<llvm::StoreInst>(&instruction)) return !isOwn(store->getPointerOperand());
+    if (const auto* fill = llvm::dyn_cast<llvm::AnyMemIntrinsic>(&instruction)) return !isOwn(fill->getRawDest());
+    return llvm::isa<llvm::AtomicRMWInst, llvm::AtomicCmpXchgInst>(instruction);
+}
+
+bool writesMemory(const llvm::Module& module)
+{
+    for (std::string_view name : {intrinsic::Write, intrinsic::Atomic}) {
+        const llvm::Function* function = module.getFunction({name.data(), name.size()});
+        if (function && !function->use_empty()) return true;
+    }
+    return llvm::any_of(module, [](const llvm::Function& function) {
+        return llvm::any_of(llvm::instructions(function), [](const auto& instruction) { return writes(instruction); });
+    });
+}
+
 /// Notes which resources and operations are left in the cleaned-up function.
 void noteUses(const llvm::Module& module, FunctionReflection& reflection)
 {
@@ -130,6 +153,7 @@ void noteUses(const llvm::Module& module, FunctionReflection& reflection)
     reflection.readsDepth = usesIndex(intrinsic::Position, 2, 1);
     reflection.readsInverseW = usesIndex(intrinsic::Position, 3, 1);
     reflection.readsW = readsPerspective(module);
+    reflection.writesMemory = writesMemory(module);
     const llvm::Function* discard = module.getFunction({intrinsic::Discard.data(), intrinsic::Discard.size()});
     reflection.discards = discard && !discard->use_empty();
 }

@@ -61,6 +61,8 @@ fragment float4 level(In in [[stage_in]]) { return in.level; }
 fragment float4 constantly(In in [[stage_in]]) { return in.constantly; }
 fragment float4 depth(In in [[stage_in]]) { return float4(in.position.z, in.position.w, 0, 1); }
 fragment float4 valueUnlessNegative(In in [[stage_in]]) { if (in.value.x < 0) discard_fragment(); return in.value; }
+fragment float4 counted(In in [[stage_in]], device atomic_uint& count [[buffer(0)]]) { atomic_fetch_add_explicit(&count, 1, memory_order_relaxed); return in.value; }
+fragment float4 noted(In in [[stage_in]], device float4* note [[buffer(0)]]) { *note = in.value; return in.value; }
 fragment float4 ones(In in [[stage_in]]) { return float4(1); }
 )";
 

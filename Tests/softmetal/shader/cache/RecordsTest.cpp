@@ -28,7 +28,7 @@ FunctionReflection reflection()
         f.colorTypes[i] = static_cast<ScalarType>(i);
         f.colorComponents[i] = i + 20;
     }
-    f.writesDepth = f.writesCoverage = f.discards = f.usesPointCoord = f.earlyFragmentTests = f.readsDepth = f.readsW = true;
+    f.writesDepth = f.writesCoverage = f.discards = f.usesPointCoord = f.earlyFragmentTests = f.readsDepth = f.readsW = f.writesMemory = true;
     f.copiedTexture = 14;
     f.copiedPlanes[0] = 15;
     f.copiedPlanes[1] = 16;
@@ -70,7 +70,7 @@ std::string textOf(const FunctionReflection& f)
     std::string text =
         line(f.name, f.stage, f.hasPosition, f.pointSizeComponent, f.clipComponent, f.clipDistances, f.colorOutputs,
              f.writesDepth, f.writesCoverage, f.discards, f.usesPointCoord, f.earlyFragmentTests, f.readsDepth, f.readsInverseW, f.readsW,
-             f.copiedTexture, f.copiedPlanes[0], f.copiedPlanes[1], f.inputComponents);
+             f.copiedTexture, f.copiedPlanes[0], f.copiedPlanes[1], f.writesMemory, f.inputComponents);
     for (uint32_t i = 0; i < softmetal::abi::MaxColorOutputs; ++i)
         text += line(f.colorTypes[i], f.colorComponents[i]);
     text += textOf(f.attributes,
