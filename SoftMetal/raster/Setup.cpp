@@ -21,7 +21,7 @@ enum Primitive : uint8_t
     TriangleList = 3,
     TriangleStrip = 4
 };
-constexpr uint8_t CullNone = 0, CullFront = 1, FillLines = 1, ClockwiseFront = 0, ClipDepth = 0;
+constexpr uint8_t CullFront = 1, FillLines = 1, ClockwiseFront = 0, ClipDepth = 0;
 constexpr uint32_t PlaneGroup = 8;           // as many as one vector of values holds at most
 constexpr size_t MostKept = size_t{1} << 17; // elements of each array of a thread, between calls
 
