@@ -154,8 +154,7 @@ void oneDimensional(Stage& stage, const char*)
     stage.show(picture);
 }
 
-// ---- read-back
-// ------------------------------------------------------------------------------------------------------------
+// ---- read-back -----------------------------------------------------------------------------------------------------
 
 /// Client bytes of any of the layouts for reading, shown as a picture.
 void showRead(Stage& stage, GLenum format, GLenum type, const std::vector<uint8_t>& bytes)

@@ -187,8 +187,7 @@ void pointerNormalised(Stage& stage, const char*)
     glDrawElements(GL_TRIANGLE_STRIP, 4, GL_UNSIGNED_SHORT, nullptr);
 }
 
-// ---- textures
-// -------------------------------------------------------------------------------------------------------------
+// ---- textures ------------------------------------------------------------------------------------------------------
 
 void anyBorder(Stage& stage, const char*)
 {
@@ -300,8 +299,7 @@ void noneInTheList(Stage& stage, const char*)
     stage.show(picture);
 }
 
-// ---- programs
-// -------------------------------------------------------------------------------------------------------------
+// ---- programs ------------------------------------------------------------------------------------------------------
 
 void vertexStatement(Stage& stage, const char* statement)
 {

@@ -19,8 +19,7 @@ Box at(int tileNumber, int n, float depth)
     return box;
 }
 
-// ---- depth
-// ----------------------------------------------------------------------------------------------------------------
+// ---- depth ---------------------------------------------------------------------------------------------------------
 
 void clearDepth(double value)
 {
@@ -115,8 +114,7 @@ void depthReadBack(Stage& stage, const char*)
     stage.showFloats(values, 1, Stage::Side, Stage::Side, 1, 0);
 }
 
-// ---- stencil
-// --------------------------------------------------------------------------------------------------------------
+// ---- stencil -------------------------------------------------------------------------------------------------------
 
 /// A target with a stencil of reference 0 to 3 in four upright stripes; the depth is 0.5 everywhere.
 void stencilStripes(Stage& stage)
@@ -197,8 +195,7 @@ void stencilMasks(Stage& stage, const char*)
     colourByStencil(stage);
 }
 
-// ---- culling, offset, modes
-// -----------------------------------------------------------------------------------------------
+// ---- culling, offset, modes ----------------------------------------------------------------------------------------
 
 /// Triangles of both windings all over the picture.
 void windings(Stage& stage)
@@ -277,8 +274,7 @@ void wireframe(Stage& stage, const char*)
     stage.rectangle({-0.3f, -0.3f, 0.1f, 0.1f}, Teal);
 }
 
-// ---- lines, points, strips
-// ------------------------------------------------------------------------------------------------
+// ---- lines, points, strips -----------------------------------------------------------------------------------------
 
 Corner pixel(float x, float y, const Color& color)
 {
@@ -367,8 +363,7 @@ void sharedEdges(Stage& stage, const char*)
     stage.draw(GL_TRIANGLES, corners, indices);
 }
 
-// ---- viewport and perspective
-// ---------------------------------------------------------------------------------------------
+// ---- viewport and perspective --------------------------------------------------------------------------------------
 
 void viewports(Stage& stage, const char*)
 {

@@ -75,8 +75,7 @@ Stage::Stage(Host& host) : host_(host)
     clear(Grey);
 }
 
-// ---- programs
-// -------------------------------------------------------------------------------------------------------------
+// ---- programs ------------------------------------------------------------------------------------------------------
 
 GLuint Stage::load(GLenum target, std::string_view text)
 {
@@ -118,8 +117,7 @@ void Stage::useTexture(std::string_view target)
     useFragment("!!ARBfp1.0\nTEX result.color, fragment.texcoord[0], texture[0], " + std::string(target) + ";\nEND\n");
 }
 
-// ---- drawing
-// --------------------------------------------------------------------------------------------------------------
+// ---- drawing -------------------------------------------------------------------------------------------------------
 
 void Stage::clear(const Color& color)
 {
@@ -160,8 +158,7 @@ void Stage::floor(float repeats)
     draw(GL_TRIANGLE_STRIP, corners);
 }
 
-// ---- objects
-// --------------------------------------------------------------------------------------------------------------
+// ---- objects -------------------------------------------------------------------------------------------------------
 
 GLuint Stage::texture(GLenum target)
 {
@@ -214,8 +211,7 @@ Stage::Target Stage::target(GLenum format, int count, GLenum depthFormat)
     return result;
 }
 
-// ---- the result
-// -----------------------------------------------------------------------------------------------------------
+// ---- the result ----------------------------------------------------------------------------------------------------
 
 void Stage::show(const Image& picture)
 {

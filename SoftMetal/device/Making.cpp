@@ -128,8 +128,7 @@ MTL::CommandQueue* MTL::Device::newCommandQueue(NS::UInteger maxCommandBufferCou
     return api(queue);
 }
 
-// ---- resources
-// ----------------------------------------------------------------------------------------------------------------
+// ---- resources -----------------------------------------------------------------------------------------------------
 
 MTL::Buffer* MTL::Device::newBuffer(NS::UInteger length, ResourceOptions options)
 {
@@ -169,8 +168,7 @@ MTL::Texture* MTL::Device::newTexture(const TextureDescriptor* descriptor)
     return api(texture);
 }
 
-// ---- states
-// -------------------------------------------------------------------------------------------------------------------
+// ---- states --------------------------------------------------------------------------------------------------------
 
 MTL::SamplerState* MTL::Device::newSamplerState(const SamplerDescriptor* descriptor)
 {
@@ -232,8 +230,7 @@ MTL::Fence* MTL::Device::newFence()
     return result;
 }
 
-// ---- programs
-// -----------------------------------------------------------------------------------------------------------------
+// ---- programs ------------------------------------------------------------------------------------------------------
 
 MTL::Library* MTL::Device::newLibrary(const NS::String* source, const CompileOptions* options, NS::Error** error)
 {

@@ -18,8 +18,7 @@ namespace
 std::atomic<double> delay{0}; // milliseconds
 std::atomic<PassObserver> passObserver{nullptr};
 
-// ---- records
-// --------------------------------------------------------------------------------------------------------------
+// ---- records -------------------------------------------------------------------------------------------------------
 
 void run(const PassRecord& pass, const CommandStorage& storage)
 {

@@ -64,8 +64,7 @@ void runAndRelease(Ref<CommandBufferObject> commands, bool discards)
     pool->release();
 }
 
-// ---- a thread of the queue's own
-// ------------------------------------------------------------------------------------------------
+// ---- a thread of the queue's own -----------------------------------------------------------------------------------
 
 /// Shared by the queue and its thread: the thread may be the one that ends the queue.
 struct Shared
@@ -139,8 +138,7 @@ private:
     std::thread thread_;
 };
 
-// ---- the caller's thread
-// --------------------------------------------------------------------------------------------------------
+// ---- the caller's thread -------------------------------------------------------------------------------------------
 
 /// Runs all that is ready before it returns. Threads that share a queue take turns; what a handler commits runs when
 /// the handler has returned.

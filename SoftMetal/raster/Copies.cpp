@@ -15,8 +15,7 @@ namespace
 
 constexpr uint32_t Type2D = 2, Rgba8 = 70, Bgra8 = 80, Rgba32Float = 125;
 
-// ---- rows
-// -------------------------------------------------------------------------------------------------------------------
+// ---- rows ----------------------------------------------------------------------------------------------------------
 
 using CopyRow = void (*)(const uint8_t* from, uint8_t* to, uint32_t count);
 
@@ -82,8 +81,7 @@ const abi::Texture* sourceOf(const DrawState& state)
     return state.fragmentResources ? state.fragmentResources->textures[state.pipeline->copiedTexture] : nullptr;
 }
 
-// ---- places
-// ---------------------------------------------------------------------------------------------------------------
+// ---- places --------------------------------------------------------------------------------------------------------
 
 /// A plane's value as batches of pixels compute it. The other axis adds a product with zero.
 float valueAlong(float origin, float step, float start, uint32_t pixel)

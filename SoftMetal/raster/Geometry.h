@@ -8,8 +8,7 @@
 namespace softmetal::raster
 {
 
-// ---- vertices into lanes
-// ---------------------------------------------------------------------------------------------
+// ---- vertices into lanes -------------------------------------------------------------------------------------------
 
 /// How an attribute's bytes become words. General goes through the formats room, value by value.
 enum class FetchKind : uint8_t
@@ -38,8 +37,7 @@ struct Fetch
     FetchKind kind;
 };
 
-// ---- vertices on the screen
-// ------------------------------------------------------------------------------------------
+// ---- vertices on the screen ----------------------------------------------------------------------------------------
 
 /// A shaded vertex as assembly needs it.
 struct ScreenVertex
@@ -73,8 +71,7 @@ struct Projection
     uint32_t sourceCount, valuesEach;
 };
 
-// ---- triangles
-// ---------------------------------------------------------------------------------------------------------
+// ---- triangles -----------------------------------------------------------------------------------------------------
 
 using DepthBias = float (*)(const DrawState& state, uint32_t depthFormat, const abi::Plane& depth, double farthest);
 

@@ -84,8 +84,7 @@ const float* SinglePrimitives::take(size_t corner, uint32_t vertex)
     return taken_[corner].data();
 }
 
-// ---- clipping
-// ------------------------------------------------------------------------------------------------------
+// ---- clipping ------------------------------------------------------------------------------------------------------
 
 /// Signed distance to a clip plane; inside is zero and above.
 double SinglePrimitives::distance(const float* v, int plane) const
@@ -160,8 +159,7 @@ SinglePrimitives::Corner SinglePrimitives::project(const float* v) const
     return c;
 }
 
-// ---- primitives
-// ----------------------------------------------------------------------------------------------------
+// ---- primitives ----------------------------------------------------------------------------------------------------
 
 void SinglePrimitives::triangle(uint32_t i, uint32_t j, uint32_t k, uint32_t id)
 {
@@ -249,8 +247,7 @@ void SinglePrimitives::point(uint32_t i)
     fill({p[0], p[2], p[3]}, true, true, id, {centre, right, below});
 }
 
-// ---- boxes and planes
-// ----------------------------------------------------------------------------------------------
+// ---- boxes and planes ----------------------------------------------------------------------------------------------
 
 void SinglePrimitives::fill(std::array<Corner, 3> p, bool clockwise, bool front, uint32_t id,
                             const std::array<Corner, 3>& values)

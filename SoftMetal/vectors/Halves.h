@@ -39,8 +39,7 @@ SOFTMETAL_INLINE Float<W> fromHalves(Int<W> words)
     return floatOf<W>(sign | (magnitude >= 0x7C00 ? shifted | 0x7F800000 : bits));
 }
 
-// ---- rows: from and to lanes of 2x2 quads side by side
-// ------------------------------------------------------------------------
+// ---- rows: from and to lanes of 2x2 quads side by side -------------------------------------------------------------
 
 /// Two words of each lane as rows of pairs: the upper row's and the lower row's.
 template <uint32_t W>

@@ -20,8 +20,7 @@ bool fails()
 
 } // namespace
 
-// ---- what the linker is told to put in the place of the ordinary functions
-// ---------------------------------------------
+// ---- what the linker is told to put in the place of the ordinary functions -----------------------------------------
 
 extern "C" {
 void* __real_malloc(size_t bytes);

@@ -21,8 +21,7 @@
 namespace SoftMetal
 {
 
-// ---- devices
-// ----------------------------------------------------------------------------------------------------------
+// ---- devices -------------------------------------------------------------------------------------------------------
 //
 //     SoftMetal::DeviceOptions options;
 //     options.depth24Stencil8 = false;
@@ -48,8 +47,7 @@ SOFTMETAL_API void setDevices(const std::vector<MTL::Device*>& devices);
 /// SOFTMETAL_NO_DEVICE is set to anything but 0.
 SOFTMETAL_API void resetDevices();
 
-// ---- validation
-// -------------------------------------------------------------------------------------------------------
+// ---- validation ----------------------------------------------------------------------------------------------------
 //
 // A call that breaks a rule of Metal is reported with one sentence and then ignored, or carried out as far as it makes
 // sense. It never crashes.
@@ -77,8 +75,7 @@ SOFTMETAL_API std::vector<Message> takeMessages();
 /// The ids of all rules.
 SOFTMETAL_API std::vector<std::string> validationRules();
 
-// ---- command log
-// --------------------------------------------------------------------------------------------------------
+// ---- command log ---------------------------------------------------------------------------------------------------
 //
 //     SoftMetal::setCommandLog(true);
 //     … calls …
@@ -117,8 +114,7 @@ SOFTMETAL_API void setCommandLog(MTL::Device* device, bool on);
 /// Entries since the last call.
 SOFTMETAL_API std::vector<LogEntry> takeCommandLog();
 
-// ---- faults
-// ---------------------------------------------------------------------------------------------------------------
+// ---- faults --------------------------------------------------------------------------------------------------------
 
 /// The n-th call from now (1 is the next) of the named point fails as it does when there is no memory; persistent: all
 /// after it as well. n = 0 takes the fault back. Points:
@@ -136,8 +132,7 @@ SOFTMETAL_API uint64_t failableCalls(const std::string& point);
 /// Each command buffer waits this long before it runs: for tests of what happens meanwhile. 0 at the start.
 SOFTMETAL_API void setCommandBufferDelay(double milliseconds);
 
-// ---- views
-// ----------------------------------------------------------------------------------------------------------------
+// ---- views ---------------------------------------------------------------------------------------------------------
 
 /// A view in memory; the caller owns it. Sizes are in points, and a point is a pixel.
 SOFTMETAL_API NSView* newView(double width, double height);
@@ -157,8 +152,7 @@ struct Presented
 /// What was presented in a layer. A frame counts once its command buffer has run: wait for that first.
 SOFTMETAL_API Presented presented(CA::MetalLayer* layer);
 
-// ---- windows
-// --------------------------------------------------------------------------------------------------------------
+// ---- windows -------------------------------------------------------------------------------------------------------
 //
 //     NSView* view = SoftMetal::newWindow("Teapot", 1280, 720);
 //     … a layer, as for any view; what is presented in it appears in the window …
@@ -215,8 +209,7 @@ struct WindowEvent
 /// at a time. Nothing for a view that is in no window.
 SOFTMETAL_API std::vector<WindowEvent> pollEvents(NSView* window, double milliseconds = 0);
 
-// ---- capture
-// ----------------------------------------------------------------------------------------------------------------
+// ---- capture -------------------------------------------------------------------------------------------------------
 
 /// Whether MTL::CaptureManager writes trace documents: folders with "trace.json" (every call made while it captured,
 /// the objects they used, the passes), a small picture of each attachment after each pass, and "index.html", a page
@@ -224,8 +217,7 @@ SOFTMETAL_API std::vector<WindowEvent> pollEvents(NSView* window, double millise
 /// unless SOFTMETAL_CAPTURE is set to anything but 0.
 SOFTMETAL_API void setCaptureSupported(bool supported);
 
-// ---- the rest
-// -------------------------------------------------------------------------------------------------------------
+// ---- the rest ------------------------------------------------------------------------------------------------------
 
 /// Objects alive in the process, of all classes or of one ("MTL::Buffer").
 SOFTMETAL_API int64_t objectsAlive();

@@ -41,8 +41,7 @@ enum SampleArgument : unsigned
 
 } // namespace
 
-// ---- resources
-// -----------------------------------------------------------------------------------------------------------
+// ---- resources -----------------------------------------------------------------------------------------------------
 
 Value* Widener::resource(StringRef name, CallInst& call)
 {
@@ -104,8 +103,7 @@ Value* Widener::textureSize(CallInst& call)
     return result;
 }
 
-// ---- texture accesses
-// ----------------------------------------------------------------------------------------------------
+// ---- texture accesses ----------------------------------------------------------------------------------------------
 
 bool Widener::access(StringRef name, CallInst& call)
 {

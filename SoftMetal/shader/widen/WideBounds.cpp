@@ -55,8 +55,7 @@ uint64_t sizeKnown(const Value* object, const DataLayout& layout)
 
 } // namespace
 
-// ---- handles
-// -------------------------------------------------------------------------------------------------------------
+// ---- handles -------------------------------------------------------------------------------------------------------
 
 const std::vector<CallInst*>& Widener::callsOf(std::string_view name)
 {
@@ -101,8 +100,7 @@ void Widener::forEachHandle(const Value* pointer, HandleKind kind, Value* mask,
     }
 }
 
-// ---- buffers and tables
-// ----------------------------------------------------------------------------------------------------
+// ---- buffers and tables --------------------------------------------------------------------------------------------
 
 /// What the pointer may have been made from. A pointer that was read from private memory may be any of them.
 std::vector<Value*> Widener::objectsOf(const Value* pointer)

@@ -144,8 +144,7 @@ void Widener::emitLlvmIntrinsic(CallInst& call)
     define(&call, b.CreateIntrinsic(id, overloads, arguments));
 }
 
-// ---- inputs
-// ------------------------------------------------------------------------------------------------------------
+// ---- inputs --------------------------------------------------------------------------------------------------------
 
 Value* Widener::stageInput(StringRef name, CallInst& call)
 {
@@ -216,8 +215,7 @@ Value* Widener::derivative(Value* value, bool vertical)
     return b.CreateFSub(b.CreateShuffleVector(value, second), b.CreateShuffleVector(value, first));
 }
 
-// ---- outputs
-// -----------------------------------------------------------------------------------------------------------
+// ---- outputs -------------------------------------------------------------------------------------------------------
 
 bool Widener::stageOutput(StringRef name, CallInst& call)
 {

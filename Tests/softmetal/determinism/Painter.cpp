@@ -42,8 +42,7 @@ Painter::Painter() : device_(MTL::CreateSystemDefaultDevice()), queue_(device_ ?
     if (!library_) stop(error);
 }
 
-// ---- states
-// ---------------------------------------------------------------------------------------------------------------------
+// ---- states --------------------------------------------------------------------------------------------------------
 
 MTL::RenderPipelineState* Painter::pipeline(const Look& look)
 {
@@ -93,8 +92,7 @@ MTL::DepthStencilState* Painter::depthStencil(const Look& look)
     return device_->newDepthStencilState(d)->autorelease();
 }
 
-// ---- objects
-// --------------------------------------------------------------------------------------------------------------------
+// ---- objects -------------------------------------------------------------------------------------------------------
 
 MTL::Texture* Painter::newTarget(MTL::PixelFormat format)
 {
@@ -142,8 +140,7 @@ MTL::SamplerState* Painter::newSampler(Random& random)
     return device_->newSamplerState(d)->autorelease();
 }
 
-// ---- drawing
-// --------------------------------------------------------------------------------------------------------------------
+// ---- drawing -------------------------------------------------------------------------------------------------------
 
 uint64_t Painter::hashOf(const std::vector<MTL::Texture*>& targets)
 {

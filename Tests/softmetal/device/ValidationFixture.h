@@ -51,8 +51,7 @@ protected:
     std::string only;             // the rule that is tested; empty: none
     std::set<std::string> paired; // rules that have pairs
 
-    // ---- builders: what messages name has labels here
-    // ---------------------------------------------------------------------------
+    // ---- builders: what messages name has labels here --------------------------------------------------------------
 
     template <class T>
     static T* named(const char* label, T* object)

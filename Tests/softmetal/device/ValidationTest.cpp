@@ -66,8 +66,7 @@ TEST_F(Validation, HasPairsForEveryRuleAndForNoOther)
     EXPECT_EQ(paired.size(), rules.size()) << "two rules have one id";
 }
 
-// ---- what is let pass
-// -----------------------------------------------------------------------------------------------------------
+// ---- what is let pass ----------------------------------------------------------------------------------------------
 
 TEST_F(Validation, SamplerSlotsThatNobodyReadsMayBeNil)
 {
@@ -112,8 +111,7 @@ TEST_F(Validation, DepthStencilTextureMayBeBoundForOneOfThem)
     }
 }
 
-// ---- messages and modes
-// ---------------------------------------------------------------------------------------------------------
+// ---- messages and modes --------------------------------------------------------------------------------------------
 
 TEST_F(Validation, SentenceNamesCallLabelValueAndLimit)
 {

@@ -62,8 +62,7 @@ std::string unless(const std::string& condition)
     return "#if " + condition + "\n#error reached\n#endif\nconstant int used = 1;\n";
 }
 
-// ---- files
-// ----------------------------------------------------------------------------------------------------------------------
+// ---- files ---------------------------------------------------------------------------------------------------------
 
 TEST_F(HostileSource, IncludesTheStandardHeadersOnly)
 {
@@ -137,8 +136,7 @@ TEST_F(HostileSource, TakesNoOptionsFromItsText)
         EXPECT_EQ(messagesOf(line + "\n" + unless("defined(SECRET)")).find("reached"), std::string::npos) << line;
 }
 
-// ---- the compiler's life
-// ----------------------------------------------------------------------------------------------------------
+// ---- the compiler's life -------------------------------------------------------------------------------------------
 
 TEST_F(HostileSource, DoesNotStopTheCompilerByPragma)
 {
@@ -303,8 +301,7 @@ TEST_F(HostileSource, HoldsNoAssemblerAndNoForeignCode)
     }
 }
 
-// ---- what it is when it runs
-// ------------------------------------------------------------------------------------------------------
+// ---- what it is when it runs ---------------------------------------------------------------------------------------
 
 /// Each is a body of a fragment function that gets its pixel's place p and a number n from a buffer.
 constexpr std::array Bodies = {

@@ -36,8 +36,7 @@ private:
     std::map<std::string, std::string> files_;
 };
 
-// ---- control groups, version 2
-// --------------------------------------------------------------------------------------------------
+// ---- control groups, version 2 -------------------------------------------------------------------------------------
 
 size_t unified(const std::string& limit)
 {
@@ -85,8 +84,7 @@ TEST(UnifiedQuota, IsTheContainersWhereThePathIsTheHosts)
               4u);
 }
 
-// ---- control groups, version 1
-// --------------------------------------------------------------------------------------------------
+// ---- control groups, version 1 -------------------------------------------------------------------------------------
 
 constexpr const char* ClassicGroups = "5:memory:/box\n4:cpu,cpuacct:/box\n3:cpuset:/box\n";
 
@@ -129,8 +127,7 @@ TEST(Quota, SkipsLinesThatAreNotGroups)
         1u);
 }
 
-// ---- the affinity mask
-// ------------------------------------------------------------------------------------------------------------
+// ---- the affinity mask ---------------------------------------------------------------------------------------------
 
 /// Leaves the calling thread, and those it makes, one processor of those it has.
 void keepOneProcessor()
@@ -166,8 +163,7 @@ TEST(ThreadCountDeathTest, FollowsTheMask)
         testing::ExitedWithCode(1), "");
 }
 
-// ---- the choice
-// -------------------------------------------------------------------------------------------------------------------
+// ---- the choice ----------------------------------------------------------------------------------------------------
 
 TEST(ChosenThreads, AreTheProcessorsWithoutAWish)
 {
@@ -190,8 +186,7 @@ TEST(ChosenThreads, AreTheProcessorsWhereTheWishIsNoNumber)
         EXPECT_EQ(chooseThreads(wish, 6), 6u) << wish;
 }
 
-// ---- the loop
-// -----------------------------------------------------------------------------------------------------------------------
+// ---- the loop ------------------------------------------------------------------------------------------------------
 
 TEST(ParallelLoop, RunsEveryIndexOnce)
 {
