@@ -154,6 +154,35 @@ fragment float4 writes(Corner corner [[stage_in]], texture2d<float, access::writ
     SoftMetal::takeMessages(); // the empty slot is reported as for any texture
 }
 
+TEST_F(Effects, AThreadReadsBehindTheFenceWhatItWrote)
+{
+    const std::string source = std::string(Numbers) + R"(
+fragment float4 counts(Corner corner [[stage_in]], texture2d<uint, access::read_write> image [[texture(0)]])
+{
+    uint2 at = uint2(corner.position.xy);
+    uint before = image.read(at).x;
+    image.write(uint4(before + 1), at);
+    image.fence();
+    uint between = image.read(at).x;
+    image.write(uint4(between + 1), at);
+    image.fence();
+    return float4(before, between, image.read(at).x, 1);
+}
+)";
+    auto* d = textureDescriptor(4, 4, MTL::PixelFormatRGBA8Uint);
+    d->setUsage(MTL::TextureUsageShaderRead | MTL::TextureUsageShaderWrite);
+    auto* image = texture(d);
+    const std::vector<uint8_t> tens(4 * 4 * 4, 10);
+    image->replaceRegion(MTL::Region(0, 0, 4, 4), 0, tens.data(), 16);
+    auto values = draw(pipelineOf(compiled(source), "corner", "counts"), 4, 4,
+                       [&](auto* e) { e->setFragmentTexture(image, 0); });
+    for (const Value& value : values)
+        EXPECT_EQ(value, (Value{10, 11, 12, 1}));
+    EXPECT_NE(refusal("fragment float4 f(texture2d<float, access::write> t [[texture(0)]]) { t.fence(); return 0; }")
+                  .find("has a fence"),
+              std::string::npos);
+}
+
 TEST_F(Effects, WritingNeedsTheAccess)
 {
     EXPECT_NE(
