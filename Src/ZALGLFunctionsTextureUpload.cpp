@@ -46,7 +46,7 @@ void swapRedBlue(const uint8_t* from, uint8_t* to, int32_t width)
     constexpr std::array<uint8_t, 4> Moving = {255, 0, 255, 0};
     constexpr auto Mask = std::bit_cast<uint32_t>(Moving);
     for (int32_t i = 0; i < width; ++i) {
-        uint32_t word;
+        uint32_t word = 0;
         std::memcpy(&word, from + size_t{4} * static_cast<size_t>(i), sizeof word);
         word = (word & ~Mask) | (std::rotl(word, 16) & Mask);
         std::memcpy(to + size_t{4} * static_cast<size_t>(i), &word, sizeof word);

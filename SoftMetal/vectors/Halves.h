@@ -23,7 +23,7 @@ SOFTMETAL_INLINE Int<W> toHalves(Float<W> value)
 #endif
     // Below the normal halves the adder of floats rounds at 2^-24; at 65520 and beyond there is only infinity.
     Int<W> small = bitsOf<W>(floatOf<W>(magnitude) + 0.5f) - 0x3F000000;
-    Int<W> normal = (magnitude + 0xFFF + ((magnitude >> 13) & 1) - 0x38000000) >> 13;
+    Int<W> normal = (magnitude - 0x38000000 + 0xFFF + ((magnitude >> 13) & 1)) >> 13; // the largest first, so that nothing overflows
     Int<W> half = magnitude < 0x38800000 ? small : normal;
     half = magnitude >= 0x477FF000 ? Int<W>{} + 0x7C00 : half;
     return sign | (magnitude > 0x7F800000 ? Int<W>{} + 0x7E00 : half);
