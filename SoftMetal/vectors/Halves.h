@@ -12,6 +12,7 @@ namespace softmetal::vectors
 template <uint32_t W>
 SOFTMETAL_INLINE Int<W> toHalves(Float<W> value)
 {
+    using Words = typename Types<W>::UInt;
     Int<W> bits = bitsOf<W>(value), magnitude = bits & 0x7FFFFFFF, sign = (bits >> 16) & 0x8000;
 #if defined(__AVX512F__)
     if constexpr (W == 16) {
@@ -23,7 +24,8 @@ SOFTMETAL_INLINE Int<W> toHalves(Float<W> value)
 #endif
     // Below the normal halves the adder of floats rounds at 2^-24; at 65520 and beyond there is only infinity.
     Int<W> small = bitsOf<W>(floatOf<W>(magnitude) + 0.5f) - 0x3F000000;
-    Int<W> normal = (magnitude - 0x38000000 + 0xFFF + ((magnitude >> 13) & 1)) >> 13; // the largest first, so that nothing overflows
+    const auto wide = reinterpret_cast<Words>(magnitude); // signed, what is no number would overflow
+    const auto normal = reinterpret_cast<Int<W>>((wide + 0xFFF + ((wide >> 13) & 1) - 0x38000000) >> 13);
     Int<W> half = magnitude < 0x38800000 ? small : normal;
     half = magnitude >= 0x477FF000 ? Int<W>{} + 0x7C00 : half;
     return sign | (magnitude > 0x7F800000 ? Int<W>{} + 0x7E00 : half);
