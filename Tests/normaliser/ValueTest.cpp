@@ -5,12 +5,15 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <map>
 #include <sstream>
 #include <string>
 #include <vector>
+
+#include <unistd.h>
 
 namespace
 {
@@ -22,7 +25,8 @@ using Pixel = std::vector<int>; // place and channels
 
 std::map<std::string, std::vector<Pixel>> valuesOf(const std::string& program)
 {
-    const std::string file = ZAL_VALUE_DIR "/" + program + ".txt";
+    // tests run side by side, each with files of its own
+    const std::string file = ZAL_VALUE_DIR "/" + program + "-" + std::to_string(getpid()) + ".txt";
     const std::string command = ZAL_BIN_DIR "/" + program + " > " + file + " 2> " + file + ".log";
     EXPECT_EQ(std::system(command.c_str()), 0) << "see " << file << ".log";
 
@@ -37,6 +41,9 @@ std::map<std::string, std::vector<Pixel>> valuesOf(const std::string& program)
             pixel.push_back(std::stoi(field));
         values[name].push_back(pixel);
     }
+    if (!testing::Test::HasFailure())
+        for (const std::string& made : {file, file + ".log"})
+            std::remove(made.c_str());
     return values;
 }
 
