@@ -2,6 +2,7 @@
 // Copies by drawing: exact, in any format, upside down on request, and through a texture in between where they must.
 #include "Logged.h"
 #include "Pattern.h"
+#include "ScopedPool.h"
 #include "ZALMetalBlitter.h"
 #include "ZALMetalContext.h"
 #include "support/ContextFixture.h"
@@ -61,6 +62,7 @@ private:
 
 TEST_F(Blitter, CompilesItsSourceAsItStands)
 {
+    const ScopedPool pool; // of the names
     clearLog();
     ZALMetalBlitter* blitter = ZALMetalBlitterInit(device);
     std::vector<std::string> sources;

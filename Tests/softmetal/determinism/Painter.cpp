@@ -42,6 +42,15 @@ Painter::Painter() : device_(MTL::CreateSystemDefaultDevice()), queue_(device_ ?
     if (!library_) stop(error);
 }
 
+Painter::~Painter()
+{
+    for (auto& [key, state] : pipelines_)
+        state->release();
+    library_->release();
+    queue_->release();
+    device_->release();
+}
+
 // ---- states --------------------------------------------------------------------------------------------------------
 
 MTL::RenderPipelineState* Painter::pipeline(const Look& look)

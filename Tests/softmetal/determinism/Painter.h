@@ -60,6 +60,9 @@ public:
     static constexpr NS::UInteger Width = 150, Height = 90; // several tiles, the last ones cut off
 
     Painter();
+    ~Painter();
+    Painter(const Painter&) = delete;
+    Painter& operator=(const Painter&) = delete;
 
     /// Draws the vertices and gives a hash of every texel of every attachment.
     uint64_t draw(const std::vector<Vertex>& vertices, const Look& look);

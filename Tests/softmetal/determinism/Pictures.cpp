@@ -3,6 +3,7 @@
 #include "Painter.h"
 
 #include <array>
+#include <memory>
 
 namespace determinism
 {
@@ -144,17 +145,20 @@ constexpr int OfEachKind = 5;
 
 std::vector<Picture> drawPictures()
 {
-    Painter painter;
+    auto* outer = NS::AutoreleasePool::alloc()->init();
+    auto painter = std::make_unique<Painter>();
     std::vector<Picture> pictures;
     for (size_t kind = 0; kind < Kinds.size(); ++kind) {
         for (int n = 0; n < OfEachKind; ++n) {
             auto* pool = NS::AutoreleasePool::alloc()->init();
             Random random(kind * 100 + static_cast<uint64_t>(n) + 1);
             pictures.push_back(
-                {Kinds[kind].name + std::string("-") + std::to_string(n), Kinds[kind].draw(painter, random)});
+                {Kinds[kind].name + std::string("-") + std::to_string(n), Kinds[kind].draw(*painter, random)});
             pool->release();
         }
     }
+    painter.reset();
+    outer->release();
     return pictures;
 }
 
